@@ -1,0 +1,6 @@
+#include "servicehost.h"
+
+QString serviceHost()
+{
+    return QStringLiteral(KAVLOR_SERVICE_HOST);
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QSettings>
+#include <memory>
+
+/**
+ * Opens the settings of the current user, the organisation and application being "kavlor".
+ *
+ * The file keeps the members' passwords as they were typed, so it is made readable by its owner
+ * alone before anything is written to it; one that others could read is closed to them.
+ */
+std::unique_ptr<QSettings> openSettingsStore();

@@ -1,0 +1,7 @@
+#include "timeconstants.h"
+
+const TimeConstants &timeConstants()
+{
+    static const TimeConstants constants;
+    return constants;
+}

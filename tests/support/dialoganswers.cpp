@@ -1,0 +1,81 @@
+#include "dialoganswers.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QEvent>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+#include <QTest>
+
+DialogAnswers::DialogAnswers(QObject *parent)
+    : QObject(parent)
+{
+    qApp->installEventFilter(this);
+}
+
+DialogAnswers::~DialogAnswers() = default;
+
+void DialogAnswers::chooseFile(const QString &path)
+{
+    m_files.append(path);
+}
+
+QList<DialogAnswers::Box> DialogAnswers::boxes() const
+{
+    return m_boxes;
+}
+
+int DialogAnswers::fileDialogCount() const
+{
+    return m_fileDialogs;
+}
+
+QString DialogAnswers::lastFolder() const
+{
+    return m_lastFolder;
+}
+
+bool DialogAnswers::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Show
+        && (qobject_cast<QMessageBox *>(watched) || qobject_cast<QFileDialog *>(watched))) {
+        // Answered from the dialog's own event loop, once it is really there.
+        QMetaObject::invokeMethod(
+            this, [this, dialog = QPointer<QObject>(watched)] { answer(dialog); },
+            Qt::QueuedConnection);
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void DialogAnswers::answer(QObject *dialog)
+{
+    if (auto *box = qobject_cast<QMessageBox *>(dialog)) {
+        m_boxes.append({box->windowTitle(), box->text()});
+        QAbstractButton *button = box->defaultButton();
+        if (!button && !box->buttons().isEmpty())
+            button = box->buttons().constFirst();
+        if (button)
+            QTest::mouseClick(button, Qt::LeftButton);
+        else
+            box->close();
+        return;
+    }
+
+    auto *files = qobject_cast<QFileDialog *>(dialog);
+    if (!files)
+        return;
+    ++m_fileDialogs;
+    m_lastFolder = files->directory().absolutePath();
+    const QString path = m_files.isEmpty() ? QString() : m_files.takeFirst();
+    if (path.isEmpty()) {
+        QTest::keyClick(files, Qt::Key_Escape);
+        return;
+    }
+    auto *name = files->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    name->clear();
+    QTest::keyClicks(name, path);
+    QTest::keyClick(name, Qt::Key_Return);
+}

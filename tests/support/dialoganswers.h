@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QString>
+
+/**
+ * Answers the modal windows of the program as a member would, and notes what they said.
+ *
+ * While it lives, every message box that appears is recorded and its default button clicked with
+ * the mouse; every file dialog gets the next path of chooseFile() typed in and confirmed, or is
+ * cancelled when there is none.
+ */
+class DialogAnswers : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Box
+    {
+        QString title;
+        QString text;
+    };
+
+    explicit DialogAnswers(QObject *parent = nullptr);
+    ~DialogAnswers() override;
+
+    /** The next file dialog gets @p path; an empty path cancels it. */
+    void chooseFile(const QString &path);
+
+    QList<Box> boxes() const;
+    int fileDialogCount() const;
+    /** The folder that the last file dialog opened with. */
+    QString lastFolder() const;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void answer(QObject *dialog);
+
+    QList<Box> m_boxes;
+    QStringList m_files;
+    int m_fileDialogs = 0;
+    QString m_lastFolder;
+};
