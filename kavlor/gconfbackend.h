@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QVariant>
+
+class QString;
+struct GConfClient;
+
+/**
+ * Reads single values from the device's GConf database.
+ *
+ * The one object of the process is made by the first call of instance(), which loads the GConf
+ * library, and lives until the program ends. GConf is bound at run time, function by function:
+ * where the library is missing instance() is null and the program does without.
+ */
+class CGConfBackend
+{
+public:
+    /** The reader of this process, or null where there is no GConf. */
+    static CGConfBackend *instance();
+
+    /**
+     * The value of @p key: a string, an int or a bool; of a list its first element as a string.
+     * Invalid when nothing could be read, after a warning that tells why.
+     */
+    QVariant value(const QString &key) const;
+
+private:
+    CGConfBackend();
+    ~CGConfBackend();
+    Q_DISABLE_COPY_MOVE(CGConfBackend)
+
+    GConfClient *m_client = nullptr;
+};
