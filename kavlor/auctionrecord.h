@@ -14,9 +14,9 @@ struct CAuctionRecord
     QString mediaPath; ///< absolute path of the chosen photo or video; empty = none chosen
     QString caption;
     QString description;
-    qint32 category = 0; ///< 0 = none
+    qint32 category = 0;   ///< 0 = none
     QDateTime captureDate; ///< when the file was made; null = no file chosen
     quint32 startPrice = 1;
-    quint32 reservePrice = 0; ///< 0 = not set
+    quint32 reservePrice = 0;  ///< 0 = not set
     quint32 buyItNowPrice = 0; ///< 0 = not set
 };

@@ -34,8 +34,8 @@ CKavlorNotificationOptions::CKavlorNotificationOptions(const CKavlorNotification
 {
 }
 
-CKavlorNotificationOptions &
-CKavlorNotificationOptions::operator=(const CKavlorNotificationOptions &other)
+CKavlorNotificationOptions &CKavlorNotificationOptions::operator=(
+    const CKavlorNotificationOptions &other)
 {
     m_initialized = other.m_initialized;
     m_bits = other.m_bits;

@@ -11,7 +11,7 @@ constexpr char addressPattern[] = "([\\w.]+@[\\w\\.]+)";
 struct FieldRule
 {
     const char *displayName; // in messages, and as the key in the settings
-    int limit; // characters
+    int limit;               // characters
     bool mandatory;
     const char *pattern; // null = any text
 };
@@ -146,8 +146,8 @@ bool CKavlorUser::validateField(Field field, int level, QString *error) const
     const FieldRule &rule = fieldRules[field];
     const QString &text = m_fields[field];
     if (text.size() > rule.limit) {
-        return fail(error,
-                    tr("%1 exceeds field length limit(%2)").arg(displayName(field)).arg(rule.limit));
+        return fail(
+            error, tr("%1 exceeds field length limit(%2)").arg(displayName(field)).arg(rule.limit));
     }
     if (level < 0)
         return true;

@@ -49,8 +49,8 @@ private:
     int m_position;
     int m_startPosition;
     bool m_running = false;
-    uint m_period = 0; // ms
-    int m_timerId = 0; // 0 = no timer
+    uint m_period = 0;  // ms
+    int m_timerId = 0;  // 0 = no timer
     uint m_howLong = 0; // ms
     uint m_elapsed = 0; // ms
     bool m_forward = true;

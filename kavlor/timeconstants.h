@@ -8,15 +8,15 @@
  */
 struct TimeConstants
 {
-    int startUpMinimum = 5000; ///< the start-up window stays at least this long
-    int exitDelay = 20; ///< from the decision to end the program to the end
-    int progressStep = 350; ///< one step of a progress strip
-    int connectionWait = 35000; ///< for the network connection to come up
-    int formTimeout = 10000; ///< for the reply to a form request
+    int startUpMinimum = 5000;   ///< the start-up window stays at least this long
+    int exitDelay = 20;          ///< from the decision to end the program to the end
+    int progressStep = 350;      ///< one step of a progress strip
+    int connectionWait = 35000;  ///< for the network connection to come up
+    int formTimeout = 10000;     ///< for the reply to a form request
     int uploadTimeout = 1800000; ///< for the reply to an upload
-    int rotationDelay = 50; ///< before a preview is turned
-    int categoryDelay = 50; ///< before a chosen category is handed on
-    int busCallTimeout = 2000; ///< for one synchronous D-Bus call
+    int rotationDelay = 50;      ///< before a preview is turned
+    int categoryDelay = 50;      ///< before a chosen category is handed on
+    int busCallTimeout = 2000;   ///< for one synchronous D-Bus call
 };
 
 const TimeConstants &timeConstants();

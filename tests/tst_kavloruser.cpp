@@ -105,8 +105,8 @@ void tst_KavlorUser::lengthLimits_data()
     QTest::newRow("gender") << int(CKavlorUser::Gender) << 1 << "Gender";
     QTest::newRow("language") << int(CKavlorUser::Language) << 2 << "Language";
     QTest::newRow("twitter name") << int(CKavlorUser::TwitterUsername) << 50 << "Twitter Username";
-    QTest::newRow("twitter password") << int(CKavlorUser::TwitterPassword) << 50
-                                      << "Twitter Password";
+    QTest::newRow("twitter password")
+        << int(CKavlorUser::TwitterPassword) << 50 << "Twitter Password";
 }
 
 void tst_KavlorUser::lengthLimits()
@@ -121,7 +121,8 @@ void tst_KavlorUser::lengthLimits()
     QCOMPARE(validate(fields, 3), QString());
 
     fields[field] += QLatin1Char('b');
-    const QString message = QStringLiteral("%1 exceeds field length limit(%2)").arg(name).arg(limit);
+    const QString message =
+        QStringLiteral("%1 exceeds field length limit(%2)").arg(name).arg(limit);
     for (const int level : {-1, 0, 3})
         QCOMPARE(validate(fields, level), message);
 }
@@ -247,7 +248,7 @@ void tst_KavlorUser::saveWritesTheGroupAndTheLastName()
     user.setUserId(17);
     user.save();
 
-    const QStringList names {
+    const QStringList names{
         QStringLiteral("Username"),         QStringLiteral("Password"),
         QStringLiteral("First Name"),       QStringLiteral("Last Name"),
         QStringLiteral("Email Address"),    QStringLiteral("Paypal Address"),
@@ -255,7 +256,7 @@ void tst_KavlorUser::saveWritesTheGroupAndTheLastName()
         QStringLiteral("Language"),         QStringLiteral("Twitter Username"),
         QStringLiteral("Twitter Password"),
     };
-    QStringList keys {QStringLiteral("last/USERID")};
+    QStringList keys{QStringLiteral("last/USERID")};
     for (const QString &name : names)
         keys.append(QStringLiteral("UserData.value 0/") + name);
     keys.append(QStringLiteral("UserData.value 0/UserID"));
@@ -267,7 +268,8 @@ void tst_KavlorUser::saveWritesTheGroupAndTheLastName()
         QCOMPARE(m_settings->value(QStringLiteral("UserData.value 0/") + names.at(row)).toString(),
                  QStringLiteral("value %1").arg(row));
     }
-    QCOMPARE(m_settings->value(QStringLiteral("last/USERID")).toString(), QStringLiteral("value 0"));
+    QCOMPARE(m_settings->value(QStringLiteral("last/USERID")).toString(),
+             QStringLiteral("value 0"));
 
     CKavlorUser loaded(m_settings.get(), nullptr, false, CKavlorUser::defaultFields());
     loaded.load(QStringLiteral("value 0"));
@@ -280,7 +282,7 @@ void tst_KavlorUser::savingWithoutUsernameWritesOnlyTheLastName()
 {
     CKavlorUser user(m_settings.get(), nullptr, false, CKavlorUser::defaultFields());
     user.save();
-    QCOMPARE(m_settings->allKeys(), QStringList {QStringLiteral("last/USERID")});
+    QCOMPARE(m_settings->allKeys(), QStringList{QStringLiteral("last/USERID")});
     QCOMPARE(m_settings->value(QStringLiteral("last/USERID")).toString(), QString());
 }
 

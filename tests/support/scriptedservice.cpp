@@ -9,7 +9,7 @@ struct ScriptedService::Connection
     QTcpSocket *socket = nullptr;
     int number = 0;
     QByteArray buffer; // of the request under way
-    int request = -1; // its index
+    int request = -1;  // its index
     bool haveStep = false;
     Step step;
     bool answered = false;

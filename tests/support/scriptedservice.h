@@ -25,21 +25,21 @@ public:
     /** When the step's bytes are written. */
     enum When {
         AfterRequest, ///< once the whole request has arrived
-        AfterHeader, ///< once its header has arrived, its body perhaps not
-        AfterBytes ///< once Step::byteCount bytes of the request have arrived
+        AfterHeader,  ///< once its header has arrived, its body perhaps not
+        AfterBytes    ///< once Step::byteCount bytes of the request have arrived
     };
     /** What follows the bytes. */
     enum Then {
-        KeepOpen, ///< the connection stays, ready for the next request
-        Close, ///< the connection is closed in good order
-        Reset, ///< the connection is torn down
+        KeepOpen,   ///< the connection stays, ready for the next request
+        Close,      ///< the connection is closed in good order
+        Reset,      ///< the connection is torn down
         StopReading ///< nothing more is read, the connection stays
     };
 
     struct Step
     {
         QByteArray operation; ///< such as "ValidateLogin"; empty = any
-        QByteArray bytes; ///< the raw reply; empty = none
+        QByteArray bytes;     ///< the raw reply; empty = none
         When when = AfterRequest;
         qint64 byteCount = 0;
         Then then = KeepOpen;

@@ -1,0 +1,33 @@
+#include "framewelcomekavlor.h"
+
+#include "kavlorlogin.h"
+#include "rootviewcontroller.h"
+#include "ui_framewelcomekavlor.h"
+
+FrameWelcomeKavlor::FrameWelcomeKavlor(QSettings *settings, QWidget *parent)
+    : QFrame(parent)
+    , m_ui(std::make_unique<Ui::FrameWelcomeKavlor>())
+    , m_settings(settings)
+{
+    m_ui->setupUi(this);
+    connect(m_ui->createAccountButton, &QPushButton::clicked, this,
+            &FrameWelcomeKavlor::showCreateAccountFrame);
+    connect(m_ui->loginButton, &QPushButton::clicked, this, &FrameWelcomeKavlor::showLoginFrame);
+}
+
+FrameWelcomeKavlor::~FrameWelcomeKavlor() = default;
+
+void FrameWelcomeKavlor::showCreateAccountFrame()
+{
+    emit CreateAccountClicked();
+}
+
+void FrameWelcomeKavlor::showLoginFrame()
+{
+    emit LoginClicked();
+    auto *login = new KavlorLogin(m_settings, parentWidget());
+    if (RootViewController *root = RootViewController::of(this))
+        root->setNavigationTextAndIcon(tr("Please login to "), QString(), true, login);
+    login->show();
+    RootViewController::leave(this);
+}

@@ -1,0 +1,47 @@
+#include "kavlorknownuser.h"
+
+#include "rootviewcontroller.h"
+#include "ui_kavlorknownuser.h"
+
+KavlorKnownUser::KavlorKnownUser(const QString &userName, const QString &password, QWidget *parent)
+    : QFrame(parent)
+    , m_userName(userName)
+    , m_password(password)
+    , m_ui(std::make_unique<Ui::KavlorKnownUser>())
+{
+    m_ui->setupUi(this);
+    m_ui->labelWelcome->setText(m_userName);
+    connect(m_ui->buttonMyKavlor, &QPushButton::clicked, this, &KavlorKnownUser::myKavlorClick);
+    connect(m_ui->buttonSettings, &QPushButton::clicked, this, &KavlorKnownUser::settingsClick);
+    connect(m_ui->buttonUpload, &QPushButton::clicked, this, &KavlorKnownUser::uploadClick);
+}
+
+KavlorKnownUser::~KavlorKnownUser() = default;
+
+void KavlorKnownUser::uploadClick()
+{
+    if (RootViewController *root = RootViewController::of(this))
+        root->ShowUploadOptions();
+    RootViewController::leave(this);
+}
+
+void KavlorKnownUser::myKavlorClick()
+{
+    if (RootViewController *root = RootViewController::of(this))
+        root->ShowMyKavlorOptions();
+    RootViewController::leave(this);
+}
+
+void KavlorKnownUser::settingsClick()
+{
+    if (RootViewController *root = RootViewController::of(this))
+        root->ShowSettingsOptions(m_userName, m_password, 0);
+    RootViewController::leave(this);
+}
+
+void KavlorKnownUser::logoutClick()
+{
+    if (RootViewController *root = RootViewController::of(this))
+        root->ShowLoginOptions(QString(), QString(), false);
+    RootViewController::leave(this);
+}

@@ -1,0 +1,91 @@
+#include "kavlorlogin.h"
+
+#include "httptolvex.h"
+#include "rootviewcontroller.h"
+#include "servicehost.h"
+#include "ui_kavlorlogin.h"
+
+#include <QMessageBox>
+#include <QPointer>
+
+namespace {
+
+QString passwordPage()
+{
+    return QStringLiteral("http://") + serviceHost() + QStringLiteral("/index.php?do=forgotpass");
+}
+
+} // namespace
+
+KavlorLogin::KavlorLogin(QSettings *settings, QWidget *parent)
+    : QFrame(parent)
+    , m_request(new CHttpTolvex(this))
+    , m_ui(std::make_unique<Ui::KavlorLogin>())
+    , m_settings(settings)
+{
+    m_ui->setupUi(this);
+    m_ui->labelError->clear();
+    m_ui->loginButton->setEnabled(false);
+    m_ui->forgotPassword->setText(tr("I forgot <a href=\"%1\">password</a>").arg(passwordPage()));
+
+    connect(m_ui->loginButton, &QPushButton::clicked, this, &KavlorLogin::loginClick);
+    connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
+            &KavlorLogin::ValidationDone);
+    for (QLineEdit *line : {m_ui->lineUsername, m_ui->linePassword}) {
+        connect(line, &QLineEdit::textChanged, this, &KavlorLogin::UserChanged);
+        connect(line, &QLineEdit::returnPressed, m_ui->loginButton, &QPushButton::click);
+    }
+}
+
+KavlorLogin::~KavlorLogin() = default;
+
+void KavlorLogin::UserChanged()
+{
+    const bool complete =
+        !m_ui->lineUsername->text().isEmpty() && !m_ui->linePassword->text().isEmpty();
+    if (complete)
+        m_ui->labelError->clear();
+    m_ui->loginButton->setEnabled(complete);
+}
+
+void KavlorLogin::loginClick()
+{
+    m_ui->labelError->clear();
+    setFormEnabled(false);
+    m_request->validateLogin(m_ui->lineUsername->text(), m_ui->linePassword->text());
+}
+
+void KavlorLogin::ValidationDone(QString aUnoOnSuccess, QString aError)
+{
+    if (aError.isEmpty()) {
+        if (aUnoOnSuccess.toInt() == 1) {
+            if (RootViewController *root = RootViewController::of(this)) {
+                root->ShowLoginOptions(m_ui->lineUsername->text(), m_ui->linePassword->text(),
+                                       true);
+            }
+            RootViewController::leave(this);
+            return;
+        }
+        m_ui->labelError->setText(tr("kavlor authentication failed."));
+    } else {
+        const QPointer<KavlorLogin> self(this);
+        QMessageBox::information(this, tr("Authentication failed:"), aError, QMessageBox::Ok);
+        if (!self)
+            return;
+    }
+    setFormEnabled(true);
+}
+
+void KavlorLogin::lower()
+{
+    if (RootViewController *root = RootViewController::of(this))
+        root->ShowLoginOptions(QString(), QString(), false);
+    RootViewController::leave(this);
+}
+
+void KavlorLogin::setFormEnabled(bool enabled)
+{
+    m_ui->lineUsername->setEnabled(enabled);
+    m_ui->linePassword->setEnabled(enabled);
+    m_ui->loginButton->setEnabled(enabled);
+}

@@ -1,0 +1,162 @@
+#include "kavlorsplashwindow.h"
+
+#include "httptolvex.h"
+#include "progressivemodel.h"
+#include "rootviewcontroller.h"
+#include "timeconstants.h"
+#include "ui_kavlorsplashwindow.h"
+
+#include <QMessageBox>
+#include <QPointer>
+#include <QTimer>
+
+namespace {
+
+constexpr uint cellCount = 8;
+constexpr int initialPosition = 5; // percent
+
+bool hasError(const QString &response)
+{
+    return response.contains(QLatin1String("ERROR"));
+}
+
+} // namespace
+
+bool CKavlorSplashWindow::s_errorShown = false;
+
+CKavlorSplashWindow::CKavlorSplashWindow(RootViewController *root, const QString &lastUserName,
+                                         QSettings *settings, QWidget *parent)
+    : QFrame(parent)
+    , m_ui(std::make_unique<Ui::CKavlorSplashWindow>())
+    , m_progress(new CProgressiveModel(this, cellCount, initialPosition))
+    , m_root(root)
+    , m_user(settings, this, true, CKavlorUser::defaultFields())
+    , m_request(new CHttpTolvex(this))
+{
+    m_ui->setupUi(this);
+    s_errorShown = false;
+
+    m_ui->splashProgress->setProgress(m_progress);
+    m_progress->animate(true, static_cast<uint>(timeConstants().progressStep), 0);
+
+    connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
+            &CKavlorSplashWindow::requestDone);
+    connect(this, &CKavlorSplashWindow::GoodExit, this, &CKavlorSplashWindow::runOnGoodExit);
+
+    m_ui->version->setText(tr("kavlor 0.1.6 beta"));
+    m_user.load(lastUserName);
+    m_root->show();
+}
+
+CKavlorSplashWindow::~CKavlorSplashWindow() = default;
+
+void CKavlorSplashWindow::startRequests()
+{
+    QTimer::singleShot(timeConstants().startUpMinimum, this, &CKavlorSplashWindow::timerExpired);
+    if (password().isEmpty()) {
+        enter(FetchingTerms, tr("requesting terms data"));
+        m_request->getServiceTerms();
+    } else {
+        enter(ValidatingLogin, tr("validating login"));
+        m_request->validateLogin(userName(), password());
+    }
+}
+
+void CKavlorSplashWindow::requestDone(QString aResponse, QString aError)
+{
+    if (s_errorShown)
+        return;
+    if (aError.isEmpty())
+        advance(aResponse);
+    else
+        fail(aError);
+}
+
+void CKavlorSplashWindow::fail(const QString &error)
+{
+    s_errorShown = true;
+    m_progress->animate(false, static_cast<uint>(timeConstants().progressStep), 0);
+
+    const QPointer<CKavlorSplashWindow> self(this);
+    QMessageBox box(m_root);
+    box.setText(tr("kavlor experienced an error contacting a server.\n"
+                   "Please check your network settings.\n\n%1")
+                    .arg(error));
+    box.exec();
+    if (!self)
+        return;
+    hide();
+    emit initFails();
+}
+
+// One reply has come without a transport error: stores it and sends the next request.
+void CKavlorSplashWindow::advance(const QString &response)
+{
+    switch (m_state) {
+    case ValidatingLogin:
+        m_loggedIn = !hasError(response) && response.toInt() != 0;
+        if (m_loggedIn) {
+            enter(FetchingCategories, tr("requesting categories"));
+            m_request->getCategoryList(userName(), password());
+        } else {
+            enter(FetchingTerms, tr("requesting terms data"));
+            m_request->getServiceTerms();
+        }
+        break;
+    case FetchingCategories:
+        if (!hasError(response))
+            m_root->setCategoriesText(response);
+        enter(FetchingNotificationOptions, tr("requesting user options"));
+        m_request->getNotificationOptions(userName(), password());
+        break;
+    case FetchingNotificationOptions:
+        if (!hasError(response))
+            m_root->setNotificationOptionsText(response);
+        enter(FetchingTerms, tr("data is ok, launching..."));
+        m_request->getServiceTerms();
+        break;
+    case FetchingTerms:
+        m_root->setTermsText(response);
+        enter(FetchingCountries, tr("requesting countries data"));
+        m_request->getCountryList();
+        break;
+    case FetchingCountries:
+        if (!hasError(response))
+            m_root->setCountriesText(response);
+        enter(Done, tr("data is ok, launching..."));
+        emit GoodExit();
+        break;
+    case Done:
+        break;
+    }
+}
+
+void CKavlorSplashWindow::timerExpired()
+{
+    m_timeIsUp = true;
+    emit GoodExit();
+}
+
+void CKavlorSplashWindow::runOnGoodExit()
+{
+    if (!m_timeIsUp || m_state != Done)
+        return;
+    m_root->ShowLoginOptions(userName(), password(), m_loggedIn);
+    RootViewController::leave(this);
+}
+
+void CKavlorSplashWindow::enter(State state, const QString &message)
+{
+    m_state = state;
+    m_ui->progressMessage->setText(message);
+}
+
+const QString &CKavlorSplashWindow::userName() const
+{
+    return m_user.field(CKavlorUser::Username);
+}
+
+const QString &CKavlorSplashWindow::password() const
+{
+    return m_user.field(CKavlorUser::Password);
+}

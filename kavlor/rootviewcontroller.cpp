@@ -1,0 +1,288 @@
+#include "rootviewcontroller.h"
+
+#include "framearea.h"
+#include "framewelcomekavlor.h"
+#include "httptolvex.h"
+#include "kavlorknownuser.h"
+#include "kavlorsplashwindow.h"
+#include "navigationcontrolableframe.h"
+#include "navigationframe.h"
+#include "timeconstants.h"
+#include "ui_rootviewcontroller.h"
+
+#include <QPushButton>
+#include <QSettings>
+#include <QTimer>
+
+namespace {
+
+bool isUsable(const QString &response, const QString &error)
+{
+    return error.isEmpty() && !response.isEmpty() && !response.contains(QLatin1String("ERROR"));
+}
+
+QString lastUserKey()
+{
+    return QStringLiteral("last/USERID");
+}
+
+} // namespace
+
+RootViewController::RootViewController(QSettings *settings, QWidget *parent)
+    : QFrame(parent)
+    , m_user(nullptr, this, false, CKavlorUser::defaultFields())
+    , m_notificationOptions(this)
+    , m_ui(std::make_unique<Ui::RootViewController>())
+    , m_request(new CHttpTolvex(this))
+    , m_settings(settings)
+{
+    m_ui->setupUi(this);
+
+    connect(this, &RootViewController::WelcomeKavlor, this, &RootViewController::ShowLoginOptions);
+    connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
+            &RootViewController::requestDone);
+    connect(this, &RootViewController::UploadComplete, this,
+            &RootViewController::showNotifications);
+
+    m_user.setSettings(m_settings);
+    const QString lastUser = m_settings->value(lastUserKey(), QString()).toString();
+    m_user.load(lastUser);
+
+    m_splash = new CKavlorSplashWindow(this, lastUser, m_settings, m_ui->mainView);
+    connect(m_splash, &CKavlorSplashWindow::initFails, this, &RootViewController::exitInitiated);
+    m_splash->show();
+    m_splash->startRequests();
+}
+
+RootViewController::~RootViewController()
+{
+    m_settings->setValue(lastUserKey(), userName());
+    if (!userName().isEmpty())
+        m_user.save();
+
+    // The frames go before the records that they look at.
+    qDeleteAll(m_ui->mainView->findChildren<QFrame *>(QString(), Qt::FindDirectChildrenOnly));
+    delete m_bar;
+    delete m_request;
+}
+
+RootViewController *RootViewController::of(const QWidget *contentFrame)
+{
+    const QWidget *area = contentFrame->parentWidget();
+    return area ? qobject_cast<RootViewController *>(area->parentWidget()) : nullptr;
+}
+
+void RootViewController::leave(QWidget *frame)
+{
+    // Deaf and out of sight at once: a second click must not leave it a second time.
+    frame->setEnabled(false);
+    frame->hide();
+    frame->deleteLater();
+}
+
+const QString &RootViewController::termsText() const
+{
+    return m_termsText;
+}
+
+const QString &RootViewController::countriesText() const
+{
+    return m_countriesText;
+}
+
+void RootViewController::setTermsText(const QString &text)
+{
+    m_termsText = text;
+}
+
+void RootViewController::setCountriesText(const QString &text)
+{
+    m_countriesText = text;
+}
+
+void RootViewController::setCategoriesText(const QString &text)
+{
+    m_categoriesText = text;
+}
+
+void RootViewController::setNotificationOptionsText(const QString &text)
+{
+    m_notificationOptionsText = text;
+}
+
+CKavlorUser *RootViewController::user()
+{
+    return &m_user;
+}
+
+const QString &RootViewController::userName() const
+{
+    return m_user.field(CKavlorUser::Username);
+}
+
+const QString &RootViewController::password() const
+{
+    return m_user.field(CKavlorUser::Password);
+}
+
+void RootViewController::deleteBar()
+{
+    // Not deleted at once: it may be its own button that asked for the next screen.
+    if (m_bar)
+        leave(m_bar);
+    m_bar.clear();
+}
+
+NavigationControlableFrame *RootViewController::makeControlableBar(const QString &title,
+                                                                   const QString &icon)
+{
+    auto *bar = new NavigationControlableFrame(m_ui->navigationBar);
+    bar->setElementVisible(true, NavigationControlableFrame::All);
+    bar->setTitleAndIcon(title, icon);
+    m_bar = bar;
+    return bar;
+}
+
+void RootViewController::ShowLoginOptions(QString userName, QString password, bool aValidated)
+{
+    deleteBar();
+    if (userName.isEmpty() || password.isEmpty())
+        showWelcome();
+    else
+        showHome(userName, password, aValidated);
+}
+
+void RootViewController::showWelcome()
+{
+    m_categoriesText.clear();
+    m_notificationOptionsText.clear();
+    m_user.setField(CKavlorUser::Username, QString());
+    m_user.save();
+
+    auto *bar = new NavigationFrame(m_ui->navigationBar, false, false);
+    bar->setWelcomeText(tr("welcome to "));
+    m_bar = bar;
+    bar->show();
+
+    auto *frame = new FrameWelcomeKavlor(m_settings, m_ui->mainView);
+    frame->show();
+}
+
+void RootViewController::showHome(const QString &userName, const QString &password, bool aValidated)
+{
+    m_user.load(userName);
+    if (!aValidated || this->userName() != userName || this->password() != password) {
+        m_user.setField(CKavlorUser::Username, userName);
+        m_user.setField(CKavlorUser::Password, password);
+        m_user.save();
+    }
+
+    if (m_notificationOptionsText.isEmpty()) {
+        m_requestState = NotificationOptionsRequested;
+        m_request->getNotificationOptions(userName, password);
+    } else {
+        m_notificationOptions.parse(m_notificationOptionsText);
+    }
+
+    NavigationControlableFrame *bar =
+        makeControlableBar(tr("welcome to kavlor!"), QStringLiteral(":/KavlorMicroLogo.png"));
+    bar->setElementText(NavigationControlableFrame::CancelButton, tr("Sign out"));
+    bar->setElementVisible(false, NavigationControlableFrame::BackButton);
+
+    auto *frame = new KavlorKnownUser(userName, password, m_ui->mainView);
+    connect(bar->cancelButton(), &QPushButton::clicked, frame, &KavlorKnownUser::logoutClick);
+    bar->show();
+    frame->show();
+}
+
+void RootViewController::requestDone(QString aResponse, QString aError)
+{
+    const bool usable = isUsable(aResponse, aError);
+    if (m_requestState == NotificationOptionsRequested) {
+        if (usable)
+            m_notificationOptions.parse(aResponse);
+        m_requestState = CategoriesRequested;
+        m_request->getCategoryList(userName(), password());
+    } else if (m_requestState == CategoriesRequested) {
+        emit CategoriesDone();
+        m_requestState = NothingRequested;
+    }
+}
+
+void RootViewController::ShowSettingsOptions(QString userName, QString password,
+                                             int aNotificationAtOnce)
+{
+    Q_UNUSED(aNotificationAtOnce)
+    ShowLoginOptions(userName, password, true);
+}
+
+void RootViewController::showNotifications()
+{
+    ShowSettingsOptions(userName(), password(), 1);
+}
+
+void RootViewController::ShowMyKavlorOptions()
+{
+    returnHome();
+}
+
+void RootViewController::ShowUploadOptions()
+{
+    returnHome();
+}
+
+void RootViewController::returnHome()
+{
+    ShowLoginOptions(userName(), password(), true);
+}
+
+bool RootViewController::setNavigationTextAndIcon(QString text, QString icon, bool aShowCancel,
+                                                  QFrame *aLogoutFrame)
+{
+    if (auto *controlable = qobject_cast<NavigationControlableFrame *>(m_bar)) {
+        controlable->setTitleAndIcon(text, icon);
+        return true;
+    }
+    auto *bar = qobject_cast<NavigationFrame *>(m_bar);
+    if (!bar)
+        return false;
+
+    bar->setWelcomeText(text);
+    bar->cancelButton()->setVisible(aShowCancel);
+    if (aShowCancel && aLogoutFrame) {
+        // By name, since QWidget::lower() is not virtual and the frame's own is meant.
+        connect(bar->cancelButton(), SIGNAL(clicked()), aLogoutFrame, SLOT(lower()));
+    }
+    return true;
+}
+
+bool RootViewController::setProgressVisible(bool aVisible)
+{
+    auto *bar = qobject_cast<NavigationFrame *>(m_bar);
+    if (!bar)
+        return false;
+    bar->setProgressVisible(aVisible);
+    return true;
+}
+
+bool RootViewController::progressAnimation(bool aStart, uint aHowOften, uint aHowLong)
+{
+    auto *bar = qobject_cast<NavigationFrame *>(m_bar);
+    if (!bar)
+        return false;
+    bar->progressAnimation(aStart, aHowOften, aHowLong);
+    return true;
+}
+
+void RootViewController::exitInitiated()
+{
+    QTimer::singleShot(timeConstants().exitDelay, this, &RootViewController::doExit);
+}
+
+void RootViewController::doExit()
+{
+    delete m_splash;
+    m_splash.clear();
+    hide();
+    close();
+}

@@ -1,0 +1,111 @@
+#pragma once
+
+#include <QFrame>
+#include <QPointer>
+#include <QString>
+#include <memory>
+
+#include "kavlornotificationoptions.h"
+#include "kavloruser.h"
+
+class CHttpTolvex;
+class CKavlorSplashWindow;
+class NavigationControlableFrame;
+class QSettings;
+
+namespace Ui {
+class RootViewController;
+}
+
+/**
+ * The one top-level window: a navigation bar above, a content frame below.
+ *
+ * It owns the signed-in member's record, the alert options, the texts that were fetched at start
+ * and the bar. A content frame is a child of mainView; it finds the root with
+ * RootViewController::of(), asks it for the next screen through one of the Show operations and
+ * then deletes itself. Whoever makes the root owns it; the settings are not owned by it.
+ */
+class RootViewController : public QFrame
+{
+    Q_OBJECT
+
+public:
+    explicit RootViewController(QSettings *settings, QWidget *parent = nullptr);
+    ~RootViewController() override;
+
+    /** The root above a content frame: the parent of its parent widget, or null. */
+    static RootViewController *of(const QWidget *contentFrame);
+    /** Takes a frame off the screen that has asked for the next one; it is deleted soon. */
+    static void leave(QWidget *frame);
+
+    /** Shows the member's auctions. */
+    void ShowMyKavlorOptions();
+    /** Shows the upload wizard. */
+    void ShowUploadOptions();
+
+    const QString &termsText() const;
+    const QString &countriesText() const;
+    void setTermsText(const QString &text);
+    void setCountriesText(const QString &text);
+    void setCategoriesText(const QString &text);
+    void setNotificationOptionsText(const QString &text);
+
+    /** The live record of the signed-in member. */
+    CKavlorUser *user();
+
+signals:
+    void WelcomeKavlor(QString userName, QString password, bool aValidated);
+    /** The root's own request for the categories has ended, well or not. */
+    void CategoriesDone();
+    /** An upload is finished and its success page was left. */
+    void UploadComplete();
+
+public slots:
+    /** Shows the home frame, or the welcome frame when either text is empty. */
+    void ShowLoginOptions(QString userName = {}, QString password = {}, bool aValidated = false);
+    /** Shows the settings menu; with @p aNotificationAtOnce not 0 its alert options at once. */
+    void ShowSettingsOptions(QString userName, QString password, int aNotificationAtOnce = 0);
+    void showNotifications();
+    void requestDone(QString aResponse, QString aError);
+    /**
+     * Sets what the bar says. @p icon and @p aShowCancel each matter to one kind of bar only;
+     * the cancel button lowers @p aLogoutFrame. Returns false when there is no bar.
+     */
+    bool setNavigationTextAndIcon(QString text = {}, QString icon = {}, bool aShowCancel = false,
+                                  QFrame *aLogoutFrame = nullptr);
+    /** Shows or hides the progress strip; false when the bar has none. */
+    bool setProgressVisible(bool aVisible = true);
+    /** Starts or stops the progress strip (times in ms); false when the bar has none. */
+    bool progressAnimation(bool aStart, uint aHowOften = 350, uint aHowLong = 0);
+    /** Ends the program soon. */
+    void exitInitiated();
+    void doExit();
+
+private:
+    enum RequestState {
+        NothingRequested = 0,
+        NotificationOptionsRequested = 1,
+        CategoriesRequested = 2
+    };
+
+    void showWelcome();
+    void showHome(const QString &userName, const QString &password, bool aValidated);
+    void returnHome();
+    void deleteBar();
+    NavigationControlableFrame *makeControlableBar(const QString &title, const QString &icon);
+    const QString &userName() const;
+    const QString &password() const;
+
+    CKavlorUser m_user;
+    CKavlorNotificationOptions m_notificationOptions;
+    std::unique_ptr<Ui::RootViewController> m_ui;
+    QPointer<QFrame> m_bar;
+    CHttpTolvex *m_request;
+    RequestState m_requestState = NothingRequested;
+    QSettings *m_settings;
+    QString m_termsText;
+    QString m_countriesText;
+    QString m_categoriesText;
+    QString m_notificationOptionsText;
+    QPointer<CKavlorSplashWindow> m_splash;
+};
