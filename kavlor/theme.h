@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+// The look that all frames share. Its rules are kept as style sheets among the program's resources.
+
+/** For the root window: its background, and the tool tips and table headers of all it holds. */
+QString rootStyleSheet();
+
+/**
+ * For the area that holds the content frames, which inherit it.
+ *
+ * A form sets these properties of its widgets instead of repeating rules:
+ * "green" on a push button that confirms, "panel" on what stands on the translucent panel,
+ * "error" on a label that tells a fault.
+ */
+QString themeStyleSheet();
