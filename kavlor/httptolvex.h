@@ -1,11 +1,20 @@
 #pragma once
 
+#include "qhttpresponseheader.h"
+
 #include <QObject>
 #include <QPixmap>
+#include <QPointer>
 #include <QString>
 
+class CConnector;
 class CKavlorNotificationOptions;
 class CKavlorUser;
+class QAuthenticator;
+class QHttp;
+class QHttpRequestHeader;
+class QTemporaryFile;
+class QUrl;
 struct CAuctionRecord;
 
 /**
@@ -14,6 +23,12 @@ struct CAuctionRecord;
  * A frame makes one as its child, connects to the two result signals and calls one operation; it
  * may use the object again for the next request. User names and passwords are sent as given:
  * nothing is checked here.
+ *
+ * When there is no network connection, an operation first asks for one and waits for it in an
+ * event loop that keeps the member's clicks and keys out. Every outcome then comes through one of
+ * the two result signals. The time-out of a request is never called off: when it passes, it
+ * cancels whatever the object is doing by then, and reports that, even when that is nothing. A
+ * cancelled request ends by itself later, which gives a second, empty result.
  */
 class CHttpTolvex : public QObject
 {
@@ -40,7 +55,10 @@ public:
     void createAuction(const CKavlorUser &user, const CAuctionRecord &auction);
 
 signals:
-    /** A text result. It is a success when @p error is empty and @p response holds no "ERROR". */
+    /**
+     * A text result. It is a success when @p error is empty and @p response holds no "ERROR".
+     * A reply with another status code than 200 or a redirect comes as two empty texts.
+     */
     void requestIsFinished(QString response, QString error);
     /** An image result, at most 220 x 220 pixels; a null pixmap when it could not be read. */
     void requestIsFinished(QPixmap aImage, QString error);
@@ -48,4 +66,37 @@ signals:
 public slots:
     void cancelRequest(QString aErrorText);
     void cancelRequest();
+    void done(bool error);
+    void slotAuthenticationRequired(const QString &hostName, quint16 port,
+                                    QAuthenticator *authenticator);
+    void readResponseHeader(const QHttpResponseHeader &responseHeader);
+    void onConnectionStateChanged();
+    void onConnectionSetupTimeout();
+
+protected:
+    /** The percent-encoded path of @p url as a request names it; "/" when it has none. */
+    static QString requestPath(const QUrl &url);
+    /** The header that every request begins with. */
+    QHttpRequestHeader requestHeader(const QString &path) const;
+    void postForm(const QString &operationPath, const QByteArray &body, bool textReply);
+    /** Waits for a connection when there is none, then sends. The object may be gone after it. */
+    virtual void send(const QHttpRequestHeader &header, const QByteArray &body,
+                      int responseTimeout);
+
+private:
+    bool waitForConnection();
+    void dropTempFile();
+
+    const QString m_baseUrl;
+    QPointer<QHttp> m_http;
+    int m_requestId = 0;    // 0 = not sent
+    bool m_aborted = false; // the body is thrown away
+    bool m_pending = false;
+    QString m_errorText;
+    QTemporaryFile *m_tempFile = nullptr;
+    QString m_contentType;
+    bool m_textReply = false;         // text whatever the content type
+    QPointer<CConnector> m_connector; // process-wide; may be missing
+    bool m_setupTimedOut = false;
+    bool m_connected = false;
 };

@@ -70,7 +70,7 @@ ScriptedService::ScriptedService(QObject *parent)
 
 ScriptedService::~ScriptedService()
 {
-    for (Connection *connection : qAsConst(m_connections)) {
+    for (Connection *connection : std::as_const(m_connections)) {
         connection->socket->disconnect(this);
         delete connection;
     }

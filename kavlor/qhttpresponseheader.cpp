@@ -1,0 +1,11 @@
+#include "qhttpresponseheader.h"
+
+QHttpResponseHeader::QHttpResponseHeader(int statusCode)
+    : m_statusCode(statusCode)
+{
+}
+
+int QHttpResponseHeader::statusCode() const
+{
+    return m_statusCode;
+}
