@@ -4,6 +4,8 @@
 
 #include <QTcpSocket>
 
+#include <utility>
+
 struct ScriptedService::Connection
 {
     QTcpSocket *socket = nullptr;
