@@ -1,0 +1,522 @@
+#include "connector.h"
+#include "privatebus.h"
+#include "standindaemon.h"
+#include "testcase.h"
+#include "testconstants.h"
+#include "testmain.h"
+
+#include <QDBusConnectionInterface>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QSignalSpy>
+
+#include <memory>
+
+namespace {
+
+const char autoConnect[] = "/system/osso/connectivity/network_type/auto_connect";
+
+// How a run of the probe ended.
+struct Outcome
+{
+    QStringList output;
+    QStringList errors;
+    int exitCode = -1;
+    bool crashed = true;
+};
+
+// Runs the probe until it has printed so many lines, then lets it end.
+Outcome runProbe(const QStringList &operations, int lines,
+                 const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment())
+{
+    QProcess probe;
+    probe.setProcessEnvironment(environment);
+    probe.start(QStringLiteral(CONNECTOR_PROBE), operations);
+    Outcome outcome;
+    while (outcome.output.size() < lines && (probe.canReadLine() || probe.waitForReadyRead())) {
+        while (probe.canReadLine())
+            outcome.output.append(QString::fromUtf8(probe.readLine()).trimmed());
+    }
+    probe.closeWriteChannel();
+    probe.waitForFinished();
+    outcome.output += QString::fromUtf8(probe.readAllStandardOutput())
+                          .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    outcome.errors = QString::fromUtf8(probe.readAllStandardError())
+                         .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    outcome.exitCode = probe.exitCode();
+    outcome.crashed = probe.exitStatus() != QProcess::NormalExit;
+    return outcome;
+}
+
+} // namespace
+
+class tst_Connector : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void cleanupTestCase();
+
+    void instanceIsTheLivingObject();
+    void isNotConnectedBeforeAnyReport();
+    void asksForTheStateAtOnce();
+    void connectedStates_data();
+    void connectedStates();
+    void firstReportIsAlwaysPassedOn_data();
+    void firstReportIsAlwaysPassedOn();
+    void repeatedReportIsSwallowed();
+    void reportCarriesItsArgumentsUnchanged();
+    void shortReportsAreSurvived_data();
+    void shortReportsAreSurvived();
+    void updateStateTakesAnyMessage();
+    void connectSendsAnUnsignedOne();
+    void disconnectSendsAnUnsignedOne();
+    void smartConnectDoesNothingWhileConnected_data();
+    void smartConnectDoesNothingWhileConnected();
+    void smartConnectFollowsTheSetting_data();
+    void smartConnectFollowsTheSetting();
+    void chooserIsTriedThreeTimes_data();
+    void chooserIsTriedThreeTimes();
+    void withoutGConfTheSettingIsNotConsulted();
+    void daemonMayComeLaterAndGoAndComeBack();
+    void withoutADaemonCallsFailSilently();
+    void silentDaemonDoesNotFreezeTheProgram();
+    void worksBeforeTheApplicationObject();
+    void withoutAnyBusNothingHappens();
+
+private:
+    void make();
+
+    PrivateBus m_bus;
+    std::unique_ptr<StandInDaemon> m_daemon;
+    std::unique_ptr<CConnector> m_connector;
+};
+
+void tst_Connector::initTestCase()
+{
+    QVERIFY(m_bus.start());
+}
+
+void tst_Connector::init()
+{
+    TestCase::init();
+    m_daemon = std::make_unique<StandInDaemon>(m_bus.address());
+    QVERIFY(m_daemon->enter());
+}
+
+void tst_Connector::cleanup()
+{
+    m_connector.reset();
+    m_daemon.reset();
+}
+
+void tst_Connector::cleanupTestCase()
+{
+    PrivateBus::gconfTool({QStringLiteral("--shutdown")});
+}
+
+void tst_Connector::make()
+{
+    m_connector = std::make_unique<CConnector>();
+    QTRY_COMPARE(m_daemon->members(), QStringList{QStringLiteral("state_req")});
+    m_daemon->takeCalls();
+}
+
+void tst_Connector::instanceIsTheLivingObject()
+{
+    QCOMPARE(CConnector::instance(), nullptr);
+    make();
+    QCOMPARE(CConnector::instance(), m_connector.get());
+    m_connector.reset();
+    QCOMPARE(CConnector::instance(), nullptr);
+}
+
+void tst_Connector::isNotConnectedBeforeAnyReport()
+{
+    make();
+    QVERIFY(!m_connector->isConnected());
+}
+
+void tst_Connector::asksForTheStateAtOnce()
+{
+    m_daemon->setState(2);
+    m_connector = std::make_unique<CConnector>();
+    QSignalSpy changes(m_connector.get(), &CConnector::connectionStateChanged);
+    QTRY_COMPARE(changes.size(), 1);
+    QVERIFY(m_connector->isConnected());
+    const QList<StandInDaemon::Call> calls = m_daemon->takeCalls();
+    QCOMPARE(calls.size(), 1);
+    QCOMPARE(calls.first().member, QStringLiteral("state_req"));
+    QCOMPARE(calls.first().signature, QString());
+}
+
+void tst_Connector::connectedStates_data()
+{
+    QTest::addColumn<quint32>("state");
+    QTest::addColumn<bool>("connected");
+
+    QTest::newRow("disconnected") << 0U << false;
+    QTest::newRow("connecting") << 1U << false;
+    QTest::newRow("connected") << 2U << true;
+    QTest::newRow("disconnecting") << 3U << true;
+    QTest::newRow("limited enabled") << 4U << true;
+    QTest::newRow("limited disabled") << 5U << false;
+    QTest::newRow("search begins") << 8U << false;
+    QTest::newRow("search ends") << 9U << false;
+    QTest::newRow("largest") << 0xFFFFFFFFU << false;
+}
+
+void tst_Connector::connectedStates()
+{
+    QFETCH(quint32, state);
+    QFETCH(bool, connected);
+
+    make();
+    QSignalSpy changes(m_connector.get(), &CConnector::connectionStateChanged);
+    // From the opposite, so that the report makes the difference.
+    m_daemon->reportState(connected ? 6 : 2);
+    QTRY_COMPARE(changes.size(), 1);
+    QCOMPARE(m_connector->isConnected(), !connected);
+
+    bool connectedWhenTold = !connected;
+    connect(m_connector.get(), &CConnector::connectionStateChanged, this,
+            [&] { connectedWhenTold = m_connector->isConnected(); });
+    m_daemon->reportState(state);
+    QTRY_COMPARE(changes.size(), 2);
+    QCOMPARE(m_connector->isConnected(), connected);
+    QCOMPARE(connectedWhenTold, connected);
+}
+
+void tst_Connector::firstReportIsAlwaysPassedOn_data()
+{
+    QTest::addColumn<QList<QVariant>>("arguments");
+
+    QTest::newRow("state 0") << StandInDaemon::stateArguments(0);
+    QTest::newRow("state 2") << StandInDaemon::stateArguments(2);
+    QTest::newRow("no state") << QList<QVariant>{QString(), 8U};
+}
+
+void tst_Connector::firstReportIsAlwaysPassedOn()
+{
+    QFETCH(QList<QVariant>, arguments);
+
+    make();
+    QSignalSpy changes(m_connector.get(), &CConnector::connectionStateChanged);
+    m_daemon->report(arguments);
+    QTRY_COMPARE(changes.size(), 1);
+    QCOMPARE(changes.first().first().toList(), arguments);
+}
+
+void tst_Connector::repeatedReportIsSwallowed()
+{
+    make();
+    QSignalSpy changes(m_connector.get(), &CConnector::connectionStateChanged);
+    for (const quint32 state : {0U, 0U, 2U, 2U, 2U, 0U, 0U, 4U})
+        m_daemon->reportState(state);
+    QTRY_COMPARE(changes.value(changes.size() - 1).value(0).toList().value(7).toUInt(), 4U);
+    QList<quint32> states;
+    for (const QList<QVariant> &change : std::as_const(changes))
+        states.append(change.first().toList().at(7).toUInt());
+    QCOMPARE(states, (QList<quint32>{0, 2, 0, 4}));
+}
+
+void tst_Connector::reportCarriesItsArgumentsUnchanged()
+{
+    make();
+    QSignalSpy changes(m_connector.get(), &CConnector::connectionStateChanged);
+    const QList<QVariant> arguments{
+        QStringLiteral("type"),  1U, QStringLiteral("service"),
+        QStringLiteral("GPRS"),  7U, QByteArray("\0id", 3),
+        QStringLiteral("error"), 2U, QStringLiteral("more"),
+    };
+    m_daemon->report(arguments);
+    QTRY_COMPARE(changes.size(), 1);
+    QCOMPARE(changes.first().first().toList(), arguments);
+    QVERIFY(m_connector->isConnected());
+}
+
+void tst_Connector::shortReportsAreSurvived_data()
+{
+    QTest::addColumn<int>("length");
+    QTest::addColumn<bool>("passedOn");
+
+    // With seven arguments the state becomes 0; with fewer it stays and there is nothing to pass
+    // on.
+    QTest::newRow("seven") << 7 << true;
+    for (int length = 6; length >= 0; --length)
+        QTest::addRow("%d", length) << length << false;
+}
+
+void tst_Connector::shortReportsAreSurvived()
+{
+    QFETCH(int, length);
+    QFETCH(bool, passedOn);
+
+    make();
+    QSignalSpy changes(m_connector.get(), &CConnector::connectionStateChanged);
+    m_daemon->reportState(2);
+    QTRY_COMPARE(changes.size(), 1);
+    m_daemon->report(StandInDaemon::stateArguments(2).first(length));
+    m_daemon->reportState(4);
+    QTRY_COMPARE(changes.size(), passedOn ? 3 : 2);
+    QVERIFY(m_connector->isConnected());
+    if (passedOn)
+        QCOMPARE(changes.at(1).first().toList().size(), length);
+}
+
+void tst_Connector::updateStateTakesAnyMessage()
+{
+    make();
+    QSignalSpy changes(m_connector.get(), &CConnector::connectionStateChanged);
+    m_connector->updateState(QDBusMessage());
+    QCOMPARE(changes.size(), 1);
+
+    QDBusMessage report = QDBusMessage::createSignal(QStringLiteral("/x"), QStringLiteral("x.y"),
+                                                     QStringLiteral("state_sig"));
+    report.setArguments(StandInDaemon::stateArguments(3));
+    m_connector->updateState(report);
+    QVERIFY(m_connector->isConnected());
+    report.setArguments(QList<QVariant>(8, QStringLiteral("no number")));
+    m_connector->updateState(report);
+    QVERIFY(!m_connector->isConnected());
+    QCOMPARE(changes.size(), 3);
+}
+
+void tst_Connector::connectSendsAnUnsignedOne()
+{
+    make();
+    m_connector->connect();
+    const QList<StandInDaemon::Call> calls = m_daemon->takeCalls();
+    QCOMPARE(calls.size(), 1);
+    QCOMPARE(calls.first().member, QStringLiteral("connect_req"));
+    QCOMPARE(calls.first().signature, QStringLiteral("u"));
+    QCOMPARE(calls.first().arguments, (QList<QVariant>{1U}));
+}
+
+void tst_Connector::disconnectSendsAnUnsignedOne()
+{
+    make();
+    m_connector->disconnect();
+    const QList<StandInDaemon::Call> calls = m_daemon->takeCalls();
+    QCOMPARE(calls.size(), 1);
+    QCOMPARE(calls.first().member, QStringLiteral("disconnect_req"));
+    QCOMPARE(calls.first().signature, QStringLiteral("u"));
+    QCOMPARE(calls.first().arguments, (QList<QVariant>{1U}));
+}
+
+void tst_Connector::smartConnectDoesNothingWhileConnected_data()
+{
+    QTest::addColumn<quint32>("state");
+
+    QTest::newRow("connected") << 2U;
+    QTest::newRow("disconnecting") << 3U;
+    QTest::newRow("limited") << 4U;
+}
+
+void tst_Connector::smartConnectDoesNothingWhileConnected()
+{
+    QFETCH(quint32, state);
+
+    make();
+    m_daemon->reportState(state);
+    QTRY_VERIFY(m_connector->isConnected());
+    QTest::ignoreMessage(QtDebugMsg, "CConnector::smartConnect: no interface");
+    m_connector->smartConnect();
+    QCOMPARE(m_daemon->members(), QStringList());
+}
+
+void tst_Connector::smartConnectFollowsTheSetting_data()
+{
+    QTest::addColumn<QStringList>("setting");
+    QTest::addColumn<QString>("warning");
+    QTest::addColumn<QString>("member");
+
+    const QString key = QLatin1String(autoConnect);
+    const QString connectCall = QStringLiteral("connect_req");
+    const QString chooserCall = QStringLiteral("show_conn_dlg");
+    const auto set = [&](const char *type, const char *value) {
+        return QStringList{QStringLiteral("--set"), key, QStringLiteral("--type"),
+                           QLatin1String(type), QLatin1String(value)};
+    };
+    const auto setList = [&](const char *value) {
+        return QStringList{QStringLiteral("--set"),       key,
+                           QStringLiteral("--type"),      QStringLiteral("list"),
+                           QStringLiteral("--list-type"), QStringLiteral("string"),
+                           QLatin1String(value)};
+    };
+    QTest::newRow("unset")
+        << QStringList{QStringLiteral("--unset"), key}
+        << QStringLiteral("Warning: CGConfBackend::value got a NULL value for key: \"%1\"").arg(key)
+        << chooserCall;
+    QTest::newRow("empty text") << set("string", "") << QString() << chooserCall;
+    QTest::newRow("any network") << set("string", "*") << QString() << connectCall;
+    QTest::newRow("list of any network") << setList("[*]") << QString() << connectCall;
+    QTest::newRow("list of two") << setList("[WLAN_INFRA,GPRS]") << QString() << connectCall;
+    QTest::newRow("empty list") << setList("[]") << QString() << chooserCall;
+    QTest::newRow("float") << set(
+        "float", "1.5") << QStringLiteral("CGConfBackend::value: the type 3 is not yet supported.")
+                           << chooserCall;
+    QTest::newRow("number") << set("int", "0") << QString() << connectCall;
+    QTest::newRow("truth") << set("bool", "false") << QString() << connectCall;
+}
+
+void tst_Connector::smartConnectFollowsTheSetting()
+{
+    QFETCH(QStringList, setting);
+    QFETCH(QString, warning);
+    QFETCH(QString, member);
+
+    make();
+    QVERIFY(PrivateBus::gconfTool(setting));
+    if (!warning.isEmpty())
+        QTest::ignoreMessage(QtWarningMsg, qPrintable(warning));
+    m_connector->smartConnect();
+    QCOMPARE(m_daemon->members(), QStringList{member});
+}
+
+void tst_Connector::chooserIsTriedThreeTimes_data()
+{
+    QTest::addColumn<int>("failures");
+    QTest::addColumn<int>("calls");
+
+    QTest::newRow("works") << 0 << 1;
+    QTest::newRow("fails once") << 1 << 2;
+    QTest::newRow("fails twice") << 2 << 3;
+    QTest::newRow("fails three times") << 3 << 3;
+    QTest::newRow("fails always") << 100 << 3;
+}
+
+void tst_Connector::chooserIsTriedThreeTimes()
+{
+    QFETCH(int, failures);
+    QFETCH(int, calls);
+
+    make();
+    m_daemon->failChooser(failures);
+    m_connector->selectConnection();
+    const QList<StandInDaemon::Call> shown = m_daemon->takeCalls();
+    QCOMPARE(shown.size(), calls);
+    for (const StandInDaemon::Call &call : shown) {
+        QCOMPARE(call.member, QStringLiteral("show_conn_dlg"));
+        QCOMPARE(call.signature, QStringLiteral("b"));
+        QCOMPARE(call.arguments, (QList<QVariant>{false}));
+    }
+}
+
+void tst_Connector::withoutGConfTheSettingIsNotConsulted()
+{
+    // The loader finds this folder's library first, and it is none.
+    QTemporaryDir folder;
+    QFile library(folder.filePath(QStringLiteral("libgconf-2.so.4")));
+    QVERIFY(library.open(QIODevice::WriteOnly));
+    library.write("no library\n");
+    library.close();
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LD_LIBRARY_PATH"), folder.path());
+
+    QVERIFY(PrivateBus::gconfTool({QStringLiteral("--unset"), QLatin1String(autoConnect)}));
+    const Outcome outcome = runProbe({QStringLiteral("smartConnect")}, 1, environment);
+    QCOMPARE(outcome.errors, QStringList());
+    QCOMPARE(outcome.exitCode, 0);
+    QCOMPARE(m_daemon->members(),
+             (QStringList{QStringLiteral("state_req"), QStringLiteral("connect_req")}));
+}
+
+void tst_Connector::daemonMayComeLaterAndGoAndComeBack()
+{
+    m_daemon->leave();
+    m_connector = std::make_unique<CConnector>();
+    QSignalSpy changes(m_connector.get(), &CConnector::connectionStateChanged);
+
+    for (const quint32 state : {2U, 0U, 4U}) {
+        QVERIFY(m_daemon->enter());
+        changes.clear();
+        m_daemon->reportState(state);
+        QTRY_COMPARE(changes.size(), 1);
+        QCOMPARE(m_connector->isConnected(), state != 0);
+        m_connector->connect();
+        QCOMPARE(m_daemon->members(), QStringList{QStringLiteral("connect_req")});
+        m_daemon->takeCalls();
+        m_daemon->leave();
+        m_connector->connect();
+        QCOMPARE(m_connector->isConnected(), state != 0);
+    }
+
+    // Another process takes the daemon's place.
+    m_daemon = std::make_unique<StandInDaemon>(m_bus.address());
+    QVERIFY(m_daemon->enter());
+    changes.clear();
+    m_daemon->setState(2);
+    m_connector->requestConnectionState();
+    QTRY_COMPARE(changes.size(), 1);
+    QVERIFY(m_connector->isConnected());
+}
+
+void tst_Connector::withoutADaemonCallsFailSilently()
+{
+    m_daemon->leave();
+    m_connector = std::make_unique<CConnector>();
+    QSignalSpy changes(m_connector.get(), &CConnector::connectionStateChanged);
+    m_connector->requestConnectionState();
+    m_connector->selectConnection();
+    m_connector->connect();
+    m_connector->disconnect();
+    QVERIFY(!m_connector->isConnected());
+    QCOMPARE(m_daemon->members(), QStringList());
+    QCOMPARE(changes.size(), 0);
+}
+
+void tst_Connector::silentDaemonDoesNotFreezeTheProgram()
+{
+    testTimeConstants().busCallTimeout = 200;
+    m_daemon->setSilent(true);
+    QElapsedTimer timer;
+    timer.start();
+    m_connector = std::make_unique<CConnector>();
+    m_connector->connect();
+    m_connector->selectConnection();
+    // Nothing else was asked, and none of the five calls waited for the bus library's own 25 s.
+    QCOMPARE(m_daemon->members(),
+             (QStringList{QStringLiteral("state_req"), QStringLiteral("connect_req"),
+                          QStringLiteral("show_conn_dlg"), QStringLiteral("show_conn_dlg"),
+                          QStringLiteral("show_conn_dlg")}));
+    QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
+
+    // A report is taken all the same.
+    m_daemon->reportState(2);
+    QTRY_VERIFY(m_connector->isConnected());
+}
+
+void tst_Connector::worksBeforeTheApplicationObject()
+{
+    m_daemon->setState(1);
+    m_daemon->setStateOnConnect(2);
+    const Outcome outcome = runProbe({QStringLiteral("connect")}, 3);
+    QCOMPARE(outcome.errors, QStringList());
+    QCOMPARE(outcome.output,
+             (QStringList{QStringLiteral("ready"), QStringLiteral("state 1 not connected"),
+                          QStringLiteral("state 2 connected")}));
+    QVERIFY(!outcome.crashed);
+    QCOMPARE(outcome.exitCode, 0);
+}
+
+void tst_Connector::withoutAnyBusNothingHappens()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"),
+                       QStringLiteral("unix:path=/nonexistent/system-bus"));
+    const Outcome outcome = runProbe({QStringLiteral("connect"), QStringLiteral("disconnect"),
+                                      QStringLiteral("selectConnection")},
+                                     1, environment);
+    QCOMPARE(outcome.errors, QStringList());
+    QCOMPARE(outcome.output, QStringList{QStringLiteral("ready")});
+    QVERIFY(!outcome.crashed);
+    QCOMPARE(outcome.exitCode, 0);
+    QCOMPARE(m_daemon->members(), QStringList());
+}
+
+KAVLOR_TEST_MAIN(tst_Connector)
+#include "tst_connector.moc"
