@@ -7,6 +7,7 @@
 #include "kavlorsplashwindow.h"
 #include "navigationcontrolableframe.h"
 #include "navigationframe.h"
+#include "theme.h"
 #include "timeconstants.h"
 #include "ui_rootviewcontroller.h"
 
@@ -37,6 +38,9 @@ RootViewController::RootViewController(QSettings *settings, QWidget *parent)
     , m_settings(settings)
 {
     m_ui->setupUi(this);
+    setStyleSheet(rootStyleSheet());
+    m_ui->navigationBar->setStyleSheet(themeStyleSheet());
+    m_ui->mainView->setStyleSheet(themeStyleSheet());
 
     connect(this, &RootViewController::WelcomeKavlor, this, &RootViewController::ShowLoginOptions);
     connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,

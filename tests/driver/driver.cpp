@@ -1,0 +1,224 @@
+#include "driver.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemModel>
+#include <QApplication>
+#include <QGuiApplication>
+#include <QJsonDocument>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QScreen>
+#include <QSpinBox>
+#include <QTableView>
+#include <QTest>
+#include <QTextEdit>
+#include <QWindow>
+
+namespace {
+
+// The window that takes input now: the modal one, or else the only visible one.
+QWidget *inputWindow()
+{
+    if (QWidget *modal = QApplication::activeModalWidget())
+        return modal;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows) {
+        if (window->isVisible() && window->windowType() != Qt::ToolTip)
+            return window;
+    }
+    return nullptr;
+}
+
+// Something of that name that a member sees and can use now.
+QWidget *find(const QString &name)
+{
+    QWidget *window = inputWindow();
+    if (!window)
+        return nullptr;
+    if (window->objectName() == name)
+        return window;
+    const QList<QWidget *> found = window->findChildren<QWidget *>(name);
+    for (QWidget *widget : found) {
+        if (widget->isVisible() && widget->isEnabled())
+            return widget;
+    }
+    return nullptr;
+}
+
+// Whether a click in the middle of the widget would really reach it.
+bool isReachable(QWidget *widget, const QPoint &where)
+{
+    QWidget *hit = widget->window()->childAt(widget->mapTo(widget->window(), where));
+    return hit && (hit == widget || widget->isAncestorOf(hit));
+}
+
+void clickAt(QWidget *widget, const QPoint &where)
+{
+    QWidget *window = widget->window();
+    QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, widget->mapTo(window, where));
+}
+
+QString textOf(const QWidget *widget)
+{
+    if (const auto *label = qobject_cast<const QLabel *>(widget))
+        return label->text();
+    if (const auto *line = qobject_cast<const QLineEdit *>(widget))
+        return line->text();
+    if (const auto *button = qobject_cast<const QAbstractButton *>(widget))
+        return button->text();
+    if (const auto *plain = qobject_cast<const QPlainTextEdit *>(widget))
+        return plain->toPlainText();
+    if (const auto *rich = qobject_cast<const QTextEdit *>(widget))
+        return rich->toPlainText();
+    if (const auto *spin = qobject_cast<const QAbstractSpinBox *>(widget))
+        return spin->text();
+    return widget->windowTitle();
+}
+
+QJsonObject done(const QJsonValue &value = {})
+{
+    return {{QStringLiteral("ok"), true}, {QStringLiteral("value"), value}};
+}
+
+QJsonObject failed(const QString &why)
+{
+    return {{QStringLiteral("ok"), false}, {QStringLiteral("value"), why}};
+}
+
+// Runs once the answer is on its way, and outside of the socket's own slot.
+template <typename Function>
+QJsonObject soon(QObject *context, Function function)
+{
+    QMetaObject::invokeMethod(context, function, Qt::QueuedConnection);
+    return done();
+}
+
+QPixmap picture()
+{
+    QWidget *window = inputWindow();
+    if (!window)
+        return {};
+    QScreen *screen = window->screen();
+    const QPixmap onScreen = screen->grabWindow(0);
+    if (!onScreen.isNull() && QGuiApplication::platformName() != QLatin1String("offscreen"))
+        return onScreen;
+    return window->grab();
+}
+
+QJsonObject cellCommand(Driver *driver, QTableView *table, const QJsonObject &command)
+{
+    const QModelIndex cell = table->model()
+        ? table->model()->index(command.value(QLatin1String("row")).toInt(),
+                                command.value(QLatin1String("column")).toInt())
+        : QModelIndex();
+    if (!cell.isValid())
+        return failed(QStringLiteral("no such cell"));
+    table->scrollTo(cell);
+    return soon(driver, [table = QPointer<QTableView>(table), cell] {
+        if (table)
+            clickAt(table->viewport(), table->visualRect(cell).center());
+    });
+}
+
+} // namespace
+
+Driver::Driver(QObject *parent)
+    : QObject(parent)
+{
+    connect(&m_socket, &QLocalSocket::readyRead, this, &Driver::readCommands);
+    m_socket.connectToServer(qEnvironmentVariable("KAVLOR_DRIVER_SOCKET"));
+}
+
+void Driver::readCommands()
+{
+    while (m_socket.canReadLine()) {
+        const QJsonObject command = QJsonDocument::fromJson(m_socket.readLine()).object();
+        QMetaObject::invokeMethod(
+            this, [this, command] { answer(command); }, Qt::QueuedConnection);
+    }
+}
+
+void Driver::answer(const QJsonObject &command)
+{
+    m_socket.write(QJsonDocument(run(command)).toJson(QJsonDocument::Compact) + '\n');
+    m_socket.flush();
+}
+
+QJsonObject Driver::run(const QJsonObject &command)
+{
+    const QString action = command.value(QLatin1String("do")).toString();
+    const QString name = command.value(QLatin1String("name")).toString();
+    const QString text = command.value(QLatin1String("text")).toString();
+
+    if (action == QLatin1String("box")) {
+        const auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        return box ? done(box->text()) : failed(QStringLiteral("no message box"));
+    }
+    if (action == QLatin1String("closeBox")) {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (!box || box->buttons().isEmpty())
+            return failed(QStringLiteral("no message box"));
+        return soon(this, [button = QPointer<QAbstractButton>(box->buttons().constFirst())] {
+            if (button)
+                clickAt(button, button->rect().center());
+        });
+    }
+    if (action == QLatin1String("picture")) {
+        return picture().save(text) ? done() : failed(QStringLiteral("not saved: ") + text);
+    }
+    if (action == QLatin1String("resize")) {
+        inputWindow()->resize(command.value(QLatin1String("width")).toInt(),
+                              command.value(QLatin1String("height")).toInt());
+        return done();
+    }
+    if (action == QLatin1String("quit"))
+        return soon(this, [] { QApplication::closeAllWindows(); });
+
+    QWidget *widget = find(name);
+    if (!widget)
+        return failed(QStringLiteral("not there: ") + name);
+    if (action == QLatin1String("find"))
+        return done();
+    if (action == QLatin1String("text"))
+        return done(textOf(widget));
+    if (action == QLatin1String("rows")) {
+        const auto *table = qobject_cast<QTableView *>(widget);
+        return table && table->model() ? done(table->model()->rowCount())
+                                       : failed(QStringLiteral("no rows: ") + name);
+    }
+    if (action == QLatin1String("cell")) {
+        auto *table = qobject_cast<QTableView *>(widget);
+        return table ? cellCommand(this, table, command) : failed(QStringLiteral("no table"));
+    }
+    if (action == QLatin1String("click")) {
+        const QPoint middle = widget->rect().center();
+        if (!isReachable(widget, middle))
+            return failed(QStringLiteral("covered: ") + name);
+        return soon(this, [widget = QPointer<QWidget>(widget), middle] {
+            if (widget)
+                clickAt(widget, middle);
+        });
+    }
+    if (action == QLatin1String("type")) {
+        return soon(this, [widget = QPointer<QWidget>(widget), text] {
+            if (!widget)
+                return;
+            clickAt(widget, widget->rect().center());
+            QTest::keyClick(widget->window()->windowHandle(), Qt::Key_A, Qt::ControlModifier);
+            for (const QChar letter : text)
+                QTest::sendKeyEvent(QTest::Click, widget->window()->windowHandle(), Qt::Key_unknown,
+                                    QString(letter), Qt::NoModifier);
+        });
+    }
+    if (action == QLatin1String("key")) {
+        return soon(this,
+                    [window = widget->window(), key = command.value(QLatin1String("key")).toInt()] {
+                        QTest::keyClick(window->windowHandle(), static_cast<Qt::Key>(key));
+                    });
+    }
+    return failed(QStringLiteral("unknown: ") + action);
+}

@@ -1,0 +1,235 @@
+#include "clientdriver.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QLocalSocket>
+#include <QTest>
+
+namespace {
+
+constexpr int patience = 30000;  // ms; reached only when something is wrong
+constexpr int pollInterval = 20; // ms
+
+QJsonObject command(const char *action, const QString &name = {}, const QString &text = {})
+{
+    return {{QStringLiteral("do"), QLatin1String(action)},
+            {QStringLiteral("name"), name},
+            {QStringLiteral("text"), text}};
+}
+
+bool isOk(const QJsonObject &answer)
+{
+    return answer.value(QLatin1String("ok")).toBool();
+}
+
+} // namespace
+
+ClientDriver::ClientDriver(QObject *parent)
+    : QObject(parent)
+    , m_home(m_ownHome.path())
+    , m_environment(QProcessEnvironment::systemEnvironment())
+{
+    m_process.setProcessChannelMode(QProcess::MergedChannels);
+}
+
+ClientDriver::~ClientDriver()
+{
+    kill();
+}
+
+void ClientDriver::setEnvironment(const QString &name, const QString &value)
+{
+    m_environment.insert(name, value);
+}
+
+void ClientDriver::setHome(const QString &folder)
+{
+    m_home = folder;
+}
+
+QString ClientDriver::home() const
+{
+    return m_home;
+}
+
+bool ClientDriver::start()
+{
+    delete m_socket;
+    m_socket = nullptr;
+    m_server.close();
+    QDir().mkpath(m_home + QStringLiteral("/Pictures"));
+    if (!m_server.listen(m_ownHome.filePath(QStringLiteral("driver")))) {
+        m_error = m_server.errorString();
+        return false;
+    }
+    QProcessEnvironment environment = m_environment;
+    environment.insert(QStringLiteral("HOME"), m_home);
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home + QStringLiteral("/.config"));
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_home);
+    environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("kavlordriver"));
+    environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(KAVLOR_DRIVER_PLUGINS));
+    environment.insert(QStringLiteral("KAVLOR_DRIVER_SOCKET"), m_server.fullServerName());
+    m_process.setProcessEnvironment(environment);
+    m_process.start(QStringLiteral(KAVLOR_CLIENT), QStringList());
+    if (!m_process.waitForStarted() || !m_server.waitForNewConnection(patience)) {
+        m_error = QStringLiteral("the client did not start: ") + QString::fromLocal8Bit(output());
+        return false;
+    }
+    m_socket = m_server.nextPendingConnection();
+    return true;
+}
+
+bool ClientDriver::isRunning() const
+{
+    return m_process.state() != QProcess::NotRunning;
+}
+
+int ClientDriver::waitForEnd()
+{
+    const bool ended = QTest::qWaitFor([this] { return !isRunning(); }, patience);
+    return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+bool ClientDriver::close()
+{
+    ask(command("quit"));
+    return waitForEnd() == 0;
+}
+
+void ClientDriver::kill()
+{
+    if (!isRunning())
+        return;
+    m_process.kill();
+    m_process.waitForFinished();
+}
+
+QJsonObject ClientDriver::ask(QJsonObject question)
+{
+    if (!m_socket || !isRunning()) {
+        m_error = QStringLiteral("the client is not running: ") + QString::fromLocal8Bit(output());
+        return {};
+    }
+    m_socket->write(QJsonDocument(question).toJson(QJsonDocument::Compact) + '\n');
+    const bool answered =
+        QTest::qWaitFor([this] { return !isRunning() || m_socket->canReadLine(); }, patience);
+    if (!answered || !m_socket->canReadLine()) {
+        m_error = QStringLiteral("no answer from the client");
+        return {};
+    }
+    const QJsonObject answer = QJsonDocument::fromJson(m_socket->readLine()).object();
+    if (!isOk(answer))
+        m_error = answer.value(QLatin1String("value")).toString();
+    return answer;
+}
+
+// Asks until the program can do it; it answers "not there" for as long as it cannot.
+bool ClientDriver::until(const QJsonObject &question)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!isOk(ask(question))) {
+        if (!isRunning() || timer.hasExpired(patience))
+            return false;
+        QTest::qWait(pollInterval);
+    }
+    return true;
+}
+
+bool ClientDriver::waitFor(const QString &name)
+{
+    return until(command("find", name));
+}
+
+bool ClientDriver::isThere(const QString &name)
+{
+    return isOk(ask(command("find", name)));
+}
+
+bool ClientDriver::click(const QString &name)
+{
+    return until(command("click", name));
+}
+
+bool ClientDriver::type(const QString &name, const QString &text)
+{
+    return until(command("type", name, text));
+}
+
+bool ClientDriver::key(const QString &name, Qt::Key key)
+{
+    QJsonObject question = command("key", name);
+    question.insert(QStringLiteral("key"), static_cast<int>(key));
+    return until(question);
+}
+
+bool ClientDriver::clickCell(const QString &table, int row, int column)
+{
+    QJsonObject question = command("cell", table);
+    question.insert(QStringLiteral("row"), row);
+    question.insert(QStringLiteral("column"), column);
+    return until(question);
+}
+
+QString ClientDriver::text(const QString &name)
+{
+    const QJsonObject answer = ask(command("text", name));
+    return isOk(answer) ? answer.value(QLatin1String("value")).toString() : QString();
+}
+
+bool ClientDriver::waitForText(const QString &name, const QString &part)
+{
+    const bool shown =
+        QTest::qWaitFor([&] { return !isRunning() || text(name).contains(part); }, patience);
+    if (shown && isRunning())
+        return true;
+    m_error = name + QStringLiteral(" says: ") + text(name);
+    return false;
+}
+
+int ClientDriver::rows(const QString &table)
+{
+    const QJsonObject answer = ask(command("rows", table));
+    return isOk(answer) ? answer.value(QLatin1String("value")).toInt() : -1;
+}
+
+bool ClientDriver::chooseFile(const QString &path)
+{
+    return type(QStringLiteral("fileNameEdit"), path)
+        && waitForText(QStringLiteral("fileNameEdit"), path)
+        && key(QStringLiteral("fileNameEdit"), Qt::Key_Return);
+}
+
+QString ClientDriver::closeBox()
+{
+    if (!until(command("box")))
+        return {};
+    const QString text = ask(command("box")).value(QLatin1String("value")).toString();
+    return until(command("closeBox")) ? text : QString();
+}
+
+bool ClientDriver::resize(int width, int height)
+{
+    QJsonObject question = command("resize");
+    question.insert(QStringLiteral("width"), width);
+    question.insert(QStringLiteral("height"), height);
+    return isOk(ask(question));
+}
+
+bool ClientDriver::picture(const QString &path)
+{
+    return isOk(ask(command("picture", QString(), path)));
+}
+
+QString ClientDriver::error() const
+{
+    return m_error;
+}
+
+QByteArray ClientDriver::output()
+{
+    m_output += m_process.readAll();
+    return m_output;
+}

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QLocalServer>
+#include <QObject>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QTemporaryDir>
+
+class QLocalSocket;
+
+/**
+ * Starts the client's real binary and works it from outside, by clicks and keys.
+ *
+ * Every operation waits until the widget it names is there, visible and enabled, up to a time far
+ * beyond what it should take, and returns false with error() telling what was missing. The program
+ * is ended with this object at the latest.
+ */
+class ClientDriver : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ClientDriver(QObject *parent = nullptr);
+    ~ClientDriver() override;
+
+    /** A variable for the program's environment, to be set before start(). */
+    void setEnvironment(const QString &name, const QString &value);
+    /** The home folder of the program; unless set, a temporary one that outlives a restart. */
+    void setHome(const QString &folder);
+    QString home() const;
+
+    bool start();
+    bool isRunning() const;
+    /** Waits for the program to end by itself; its exit code, or -1. */
+    int waitForEnd();
+    /** Closes the window as a member would and waits for the end. */
+    bool close();
+    void kill();
+
+    bool waitFor(const QString &name);
+    bool isThere(const QString &name);
+    bool click(const QString &name);
+    /** Clicks into @p name and replaces its text. */
+    bool type(const QString &name, const QString &text);
+    bool key(const QString &name, Qt::Key key);
+    bool clickCell(const QString &table, int row, int column);
+    /** The text shown by @p name; null when it is not there. */
+    QString text(const QString &name);
+    bool waitForText(const QString &name, const QString &part);
+    int rows(const QString &table);
+    /** Chooses @p path in the open file dialog. */
+    bool chooseFile(const QString &path);
+    /** Waits for a message box, closes it and returns its text; null when none came. */
+    QString closeBox();
+    bool resize(int width, int height);
+    /** Saves what the screen shows. */
+    bool picture(const QString &path);
+
+    QString error() const;
+    /** What the program wrote. */
+    QByteArray output();
+
+private:
+    QJsonObject ask(QJsonObject command);
+    bool until(const QJsonObject &command);
+
+    QTemporaryDir m_ownHome;
+    QString m_home;
+    QProcessEnvironment m_environment;
+    QProcess m_process;
+    QLocalServer m_server;
+    QLocalSocket *m_socket = nullptr;
+    QString m_error;
+    QByteArray m_output;
+};

@@ -1,0 +1,213 @@
+#include "progressivemodel.h"
+#include "testcase.h"
+#include "testmain.h"
+
+#include <QAbstractItemModelTester>
+#include <QImage>
+#include <QSignalSpy>
+#include <QTest>
+
+class tst_ProgressiveModel : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void isAProperModel();
+    void aCountOfZeroBehavesAsOne();
+    void percentagesAboveHundredCountAsHundred();
+    void positionZeroLightsNoCell();
+    void positionHundredLightsNoCell();
+    void litCell_data();
+    void litCell();
+    void sweepsToAndFro();
+    void endsByItselfOnTheFourthTick();
+    void stopsWhenTold();
+    void restartsFromWhereItIs();
+    void picturesAreEnlarged();
+    void answersOnlyPictureAndAlignment();
+
+private:
+    static int litColumn(const CProgressiveModel &model);
+};
+
+namespace {
+
+QImage picture(const CProgressiveModel &model, int column)
+{
+    return model.data(model.index(0, column), Qt::DecorationRole).value<QImage>();
+}
+
+QImage unlit()
+{
+    const CProgressiveModel model(nullptr, 1, 0);
+    return picture(model, 0);
+}
+
+} // namespace
+
+// Lets the strip take just one step.
+static void stepOnce(CProgressiveModel *model)
+{
+    QObject context;
+    QSignalSpy steps(model, &CProgressiveModel::occuredTimerEvent);
+    QObject::connect(model, &CProgressiveModel::occuredTimerEvent, &context,
+                     [model] { model->animate(false, 0, 0); });
+    QTRY_COMPARE(steps.count(), 1);
+}
+
+// The lit column, -1 for none, -2 for more than one.
+int tst_ProgressiveModel::litColumn(const CProgressiveModel &model)
+{
+    int lit = -1;
+    for (int column = 0; column < model.columnCount(); ++column) {
+        if (picture(model, column) != unlit())
+            lit = lit == -1 ? column : -2;
+    }
+    return lit;
+}
+
+void tst_ProgressiveModel::isAProperModel()
+{
+    CProgressiveModel model(nullptr, 8, 5);
+    QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QCOMPARE(model.rowCount(), 1);
+    QCOMPARE(model.columnCount(), 8);
+    QCOMPARE(model.flags(model.index(0, 0)), Qt::ItemFlags(Qt::ItemIsEnabled));
+}
+
+void tst_ProgressiveModel::aCountOfZeroBehavesAsOne()
+{
+    CProgressiveModel model(nullptr, 0, 50);
+    QCOMPARE(model.columnCount(), 1);
+    QCOMPARE(litColumn(model), 0);
+}
+
+void tst_ProgressiveModel::percentagesAboveHundredCountAsHundred()
+{
+    CProgressiveModel model(nullptr, 3, 0);
+    model.setPercentage(250);
+    QCOMPARE(litColumn(model), -1);
+    // One step back from 100 would light the middle; a step on from 250 could not turn at 99.
+    model.animate(true, 1, 0);
+    stepOnce(&model);
+    QCOMPARE(litColumn(model), 2);
+}
+
+void tst_ProgressiveModel::positionZeroLightsNoCell()
+{
+    const CProgressiveModel model(nullptr, 3, 0);
+    QCOMPARE(litColumn(model), -1);
+}
+
+void tst_ProgressiveModel::positionHundredLightsNoCell()
+{
+    CProgressiveModel model(nullptr, 3, 0);
+    model.setPercentage(100);
+    QCOMPARE(litColumn(model), -1);
+}
+
+void tst_ProgressiveModel::litCell_data()
+{
+    QTest::addColumn<uint>("count");
+    QTest::addColumn<int>("position");
+    QTest::addColumn<int>("column");
+
+    QTest::newRow("first of three") << 3U << 1 << 0;
+    QTest::newRow("still the first") << 3U << 33 << 0;
+    QTest::newRow("second") << 3U << 34 << 1;
+    QTest::newRow("still the second") << 3U << 66 << 1;
+    QTest::newRow("third") << 3U << 67 << 2;
+    QTest::newRow("last percent") << 3U << 99 << 2;
+    QTest::newRow("first of eight") << 8U << 5 << 0;
+    QTest::newRow("at the edge of eight") << 8U << 25 << 2;
+    QTest::newRow("before the edge") << 8U << 24 << 1;
+}
+
+void tst_ProgressiveModel::litCell()
+{
+    QFETCH(uint, count);
+    QFETCH(int, position);
+    QFETCH(int, column);
+    const CProgressiveModel model(nullptr, count, position);
+    QCOMPARE(litColumn(model), column);
+}
+
+void tst_ProgressiveModel::sweepsToAndFro()
+{
+    // With three cells from 1: 34, 67, 100, 99, 66, 33, 0, 0, 33 percent.
+    const QList<int> expected{1, 2, -1, 2, 1, 0, -1, -1, 0};
+    CProgressiveModel model(nullptr, 3, 1);
+    QList<int> seen;
+    connect(&model, &CProgressiveModel::occuredTimerEvent, this, [&] {
+        seen.append(litColumn(model));
+        if (seen.size() == expected.size())
+            model.animate(false, 0, 0);
+    });
+    model.animate(true, 1, 0);
+    QTRY_COMPARE(seen.size(), expected.size());
+    QCOMPARE(seen, expected);
+}
+
+void tst_ProgressiveModel::endsByItselfOnTheFourthTick()
+{
+    // As animate(true, 350, 1000), at a seventieth of the time: 5, 10, 15 ms, the fourth finds 15.
+    CProgressiveModel model(nullptr, 3, 1);
+    QSignalSpy steps(&model, &CProgressiveModel::occuredTimerEvent);
+    model.animate(true, 5, 14);
+    QTRY_COMPARE(steps.count(), 3);
+    const int light = litColumn(model);
+    // A timer of another object with the same period ticks on well past the fourth.
+    CProgressiveModel peer(nullptr, 3, 1);
+    QSignalSpy peerSteps(&peer, &CProgressiveModel::occuredTimerEvent);
+    peer.animate(true, 5, 0);
+    QTRY_VERIFY(peerSteps.count() >= 6);
+    QCOMPARE(steps.count(), 3);
+    QCOMPARE(litColumn(model), light);
+}
+
+void tst_ProgressiveModel::stopsWhenTold()
+{
+    CProgressiveModel model(nullptr, 3, 1);
+    QSignalSpy steps(&model, &CProgressiveModel::occuredTimerEvent);
+    model.animate(true, 1, 0);
+    QTRY_VERIFY(steps.count() >= 2);
+    model.animate(false, 1, 0);
+    const auto count = steps.count();
+    CProgressiveModel peer(nullptr, 3, 1);
+    QSignalSpy peerSteps(&peer, &CProgressiveModel::occuredTimerEvent);
+    peer.animate(true, 1, 0);
+    QTRY_VERIFY(peerSteps.count() >= 3);
+    QCOMPARE(steps.count(), count);
+}
+
+void tst_ProgressiveModel::restartsFromWhereItIs()
+{
+    CProgressiveModel model(nullptr, 3, 1);
+    model.setPercentage(34);
+    model.animate(true, 1, 0);
+    model.animate(true, 1, 0); // replaces the timer, rather than adding one
+    stepOnce(&model);
+    QCOMPARE(litColumn(model), 2);
+}
+
+void tst_ProgressiveModel::picturesAreEnlarged()
+{
+    const QImage file(QStringLiteral(":/Progress  HL.png"));
+    QVERIFY(!file.isNull());
+    const QSize box(file.width() + (3 * file.width()) / 4, file.height() + (3 * file.height()) / 4);
+    const CProgressiveModel model(nullptr, 1, 50);
+    QCOMPARE(picture(model, 0).size(), file.size().scaled(box, Qt::KeepAspectRatio));
+}
+
+void tst_ProgressiveModel::answersOnlyPictureAndAlignment()
+{
+    const CProgressiveModel model(nullptr, 3, 1);
+    const QModelIndex cell = model.index(0, 0);
+    QCOMPARE(model.data(cell, Qt::TextAlignmentRole).toInt(), int(Qt::AlignCenter));
+    for (const int role : {Qt::DisplayRole, Qt::ToolTipRole, Qt::SizeHintRole, Qt::FontRole})
+        QVERIFY(!model.data(cell, role).isValid());
+    QVERIFY(!model.data(QModelIndex(), Qt::DecorationRole).isValid());
+}
+
+KAVLOR_TEST_MAIN(tst_ProgressiveModel)
+#include "tst_progressivemodel.moc"
