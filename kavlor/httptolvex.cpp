@@ -316,6 +316,11 @@ void CHttpTolvex::createAuction(const CKavlorUser &user, const CAuctionRecord &a
     send(header, body, timeConstants().uploadTimeout);
 }
 
+bool CHttpTolvex::succeeded(const QString &response, const QString &error)
+{
+    return error.isEmpty() && !response.contains(QLatin1String("ERROR"));
+}
+
 void CHttpTolvex::cancelRequest(QString aErrorText)
 {
     m_errorText = std::move(aErrorText);

@@ -54,9 +54,12 @@ public:
     void modifyAccount(const CKavlorUser &current, const CKavlorUser &edited);
     void createAuction(const CKavlorUser &user, const CAuctionRecord &auction);
 
+    /** Whether a text result is a success: no error, and "ERROR" nowhere in the response. */
+    static bool succeeded(const QString &response, const QString &error);
+
 signals:
     /**
-     * A text result. It is a success when @p error is empty and @p response holds no "ERROR".
+     * A text result; succeeded() tells what it means.
      * A reply with another status code than 200 or a redirect comes as two empty texts.
      */
     void requestIsFinished(QString response, QString error);
