@@ -70,6 +70,9 @@ bool isTransportError(const QNetworkReply &reply)
     case QNetworkReply::NoError:
         return false;
     case QNetworkReply::ContentReSendError:
+        // At the end of such a redirect it makes ready to send the body again, also when it has
+        // been told not to follow.
+        return status != 307 && status != 308;
     case QNetworkReply::ProtocolFailure:
         return true;
     case QNetworkReply::ProxyAuthenticationRequiredError:
@@ -130,7 +133,7 @@ int QHttp::request(const QHttpRequestHeader &header, const QByteArray &body, QIO
     url.setScheme(m_mode == ConnectionModeHttps ? QStringLiteral("https") : QStringLiteral("http"));
     url.setHost(m_hostName);
     url.setPort(m_port == 0 ? -1 : m_port);
-    url.setPath(header.path());
+    url.setPath(header.path(), QUrl::TolerantMode);
 
     QHttpRequestHeader complete = header;
     complete.setContentLength(body.size());

@@ -83,6 +83,11 @@ QString ScriptedService::host() const
     return QStringLiteral("127.0.0.1:%1").arg(m_server.serverPort());
 }
 
+quint16 ScriptedService::port() const
+{
+    return m_server.serverPort();
+}
+
 QByteArray ScriptedService::reply(const QByteArray &body, const QByteArray &contentType,
                                   const QByteArray &status)
 {
@@ -123,6 +128,22 @@ bool ScriptedService::release()
 bool ScriptedService::isHolding() const
 {
     return !m_holding.isEmpty();
+}
+
+bool ScriptedService::write(const QByteArray &bytes)
+{
+    if (m_connections.isEmpty())
+        return false;
+    QTcpSocket *socket = m_connections.constLast()->socket;
+    socket->write(bytes);
+    return socket->flush();
+}
+
+void ScriptedService::dropConnections()
+{
+    const QList<Connection *> connections = m_connections;
+    for (Connection *connection : connections)
+        connection->socket->abort();
 }
 
 QList<ScriptedService::Request> ScriptedService::requests() const

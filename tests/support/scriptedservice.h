@@ -62,6 +62,7 @@ public:
     ~ScriptedService() override;
 
     QString host() const;
+    quint16 port() const;
 
     /** The bytes of a well-formed reply with a Content-Length. */
     static QByteArray reply(const QByteArray &body, const QByteArray &contentType = "text/plain",
@@ -76,6 +77,10 @@ public:
     bool release();
     /** True when a request has arrived whose reply waits for release(). */
     bool isHolding() const;
+    /** Writes more bytes on the newest connection that is open; false when none is. */
+    bool write(const QByteArray &bytes);
+    /** Tears down every open connection. */
+    void dropConnections();
 
     /** The requests so far, also unfinished ones, in order of their first byte. */
     QList<Request> requests() const;
