@@ -1,0 +1,107 @@
+#pragma once
+
+#include "database.h"
+#include "result.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+/**
+ * The auctions with their bids, from creation to their end after seven days.
+ *
+ * Prices are whole US dollars; 0 = not set. Every operation first ends the auctions whose time is
+ * up: one with a bid that meets its reserve is sold to the highest bidder, another ends unsold.
+ * The seller is alerted by mail of what he chose to hear of. Errors are reasons in words; with
+ * one, nothing was changed.
+ */
+class Auctions
+{
+public:
+    static constexpr qint64 maxPrice = 999999999;
+    static constexpr int maxTitle = 500;
+
+    enum State { Running, Sold, Unsold };
+
+    struct NewAuction
+    {
+        qint64 member = 0;
+        qint64 category = 0;
+        QString title;
+        QString description;
+        QString captured; ///< "yyyyMMddhhmmss", or empty
+        qint64 startPrice = 0;
+        qint64 reservePrice = 0;
+        qint64 buyPrice = 0;
+    };
+
+    struct Auction
+    {
+        qint64 id = 0; ///< 0 = there is no such auction
+        qint64 member = 0;
+        QString seller;
+        qint64 category = 0;
+        QString title;
+        QString description;
+        QString media; ///< file name in the data folder's media
+        qint64 startPrice = 0;
+        qint64 reservePrice = 0;
+        qint64 buyPrice = 0;
+        QDateTime ends;
+        State state = Running;
+        qint64 views = 0;
+        qint64 bids = 0;
+        qint64 highestBid = 0; ///< 0 = no bid yet
+        qint64 soldPrice = 0;
+
+        /** What the auction would go for, or went for; 0 = no bid yet. */
+        qint64 currentPrice() const;
+        /** False also when there is no reserve to meet. */
+        bool isReserveMet() const;
+        bool isBuyable() const;
+        qint64 lowestNextBid() const;
+    };
+
+    struct Buyer
+    {
+        QString name;
+        QString email;
+    };
+
+    struct Bid
+    {
+        QString bidder;
+        qint64 amount = 0;
+        QDateTime placed;
+    };
+
+    explicit Auctions(Database &database);
+
+    /** An empty text, or what is wrong with the auction's own fields. */
+    static QString fault(const NewAuction &auction);
+    /** Puts an auction whose media is already in the data folder on sale; its number. */
+    Result<qint64> create(const NewAuction &auction, const QString &media);
+    /** New prices for a running auction of this member; an empty text, or the reason. */
+    QString changePrices(qint64 member, qint64 auction, qint64 reservePrice, qint64 buyPrice);
+
+    QList<Auction> ofMember(qint64 member);
+    QList<Auction> onSale();
+    QList<Auction> recentlyEnded(int most);
+    Auction auction(qint64 id);
+    QList<Bid> bids(qint64 auction);
+    QStringList allMedia();
+
+    void countView(qint64 auction);
+    QString bid(qint64 auction, const Buyer &buyer, qint64 amount);
+    QString buyNow(qint64 auction, const Buyer &buyer);
+    QString ask(qint64 auction, const Buyer &buyer, const QString &question);
+
+    /** Ends the auctions whose time is up. */
+    void endDue();
+
+private:
+    QList<Auction> select(const QString &condition, const QVariantList &values);
+
+    Database &m_database;
+};

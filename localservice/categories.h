@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+// The tree that auctions are filed under. It never changes while the service runs; the seven
+// identifiers of the top level are the ones that members' devices have icons for.
+
+bool isCategory(qint64 id);
+/** The names from the top level down, such as "Sports > Football"; empty for an unknown one. */
+QString categoryPath(qint64 id);
+/** A header line, then "id,name,parent" a line; parent 0 = top level. */
+QByteArray categoryList();

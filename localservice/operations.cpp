@@ -1,0 +1,200 @@
+#include "operations.h"
+
+#include "categories.h"
+#include "mediatypes.h"
+#include "referencetexts.h"
+
+#include <QHash>
+#include <QRegularExpression>
+
+#include <limits>
+
+namespace {
+
+QByteArray auctionLine(const Auctions::Auction &auction)
+{
+    const qint64 metReserve = auction.isReserveMet() ? auction.reservePrice : -1;
+    const bool isOver = auction.state != Auctions::Running;
+    const QByteArrayList items{
+        QByteArray::number(auction.id),
+        Operations::item(auction.title),
+        QByteArray::number(auction.startPrice),
+        QByteArray::number(auction.reservePrice),
+        QByteArray::number(auction.buyPrice),
+        QByteArray::number(auction.currentPrice()),
+        auction.ends.toString(QStringLiteral("MM/dd/yyyy hh:mm")).toLatin1(),
+        isOver ? "1" : "0",
+        QByteArray::number(auction.views),
+        QByteArray::number(auction.bids),
+        QByteArray::number(metReserve),
+    };
+    return items.join(',') + '\n';
+}
+
+// 1 or 0, or -1 for anything else.
+int flag(const FormBody &form, const char *name)
+{
+    return int(form.number(QLatin1String(name), 1));
+}
+
+} // namespace
+
+Operations::Operations(Accounts &accounts, Auctions &auctions, Pictures &pictures,
+                       const DataFolder &folder)
+    : m_accounts(accounts)
+    , m_auctions(auctions)
+    , m_pictures(pictures)
+    , m_folder(folder)
+{
+}
+
+Operations::Reply Operations::refusal(const QString &reason)
+{
+    return {"ERROR: " + reason.toUtf8(), "text/plain", {}};
+}
+
+Operations::Reply Operations::number(qint64 number)
+{
+    return {QByteArray::number(number), "text/plain", {}};
+}
+
+QByteArray Operations::item(const QString &text)
+{
+    static const QRegularExpression breaks(QStringLiteral("[\\s\\p{Cc}]+"));
+    QString line = text;
+    line.replace(breaks, QStringLiteral(" "));
+    line.replace(QLatin1Char(','), QLatin1Char(';'));
+    line.replace(QStringLiteral("ERROR"), QStringLiteral("Error"));
+    return line.trimmed().toUtf8();
+}
+
+Operations::Reply Operations::answer(const QString &operation, const FormBody &form)
+{
+    if (operation == QLatin1String("GetServiceTerms"))
+        return {serviceTerms(), "text/plain", {}};
+    if (operation == QLatin1String("GetCountryList"))
+        return {countryList(), "text/plain", {}};
+    if (operation == QLatin1String("ValidateLogin"))
+        return validateLogin(form);
+    if (operation == QLatin1String("CreateAccount"))
+        return createAccount(form);
+    if (operation == QLatin1String("ModifyAccount"))
+        return modifyAccount(form);
+
+    static const QHash<QString, Member> forMembers{
+        {QStringLiteral("GetCategoryList"), &Operations::categories},
+        {QStringLiteral("GetNotificationOptions"), &Operations::notificationOptions},
+        {QStringLiteral("SetNotificationOptions"), &Operations::setNotificationOptions},
+        {QStringLiteral("GetMyAuctions"), &Operations::myAuctions},
+        {QStringLiteral("ModifyAuction"), &Operations::modifyAuction},
+        {QStringLiteral("GetThumbnail"), &Operations::thumbnail},
+        {QStringLiteral("GetRawMedia"), &Operations::rawMedia},
+    };
+    const Member forMember = forMembers.value(operation);
+    if (!forMember)
+        return refusal(QStringLiteral("there is no such operation"));
+    const qint64 member = m_accounts.login(form.text(QStringLiteral("Username")),
+                                           form.text(QStringLiteral("Password")));
+    if (member == 0)
+        return refusal(QStringLiteral("wrong user name or password"));
+    return (this->*forMember)(member, form);
+}
+
+Operations::Reply Operations::validateLogin(const FormBody &form)
+{
+    const qint64 member = m_accounts.login(form.text(QStringLiteral("Username")),
+                                           form.text(QStringLiteral("Password")));
+    return number(member != 0 ? 1 : 0);
+}
+
+Operations::Reply Operations::createAccount(const FormBody &form)
+{
+    const Result<qint64> created = m_accounts.create(form);
+    return created.isOk() ? number(created.value) : refusal(created.error);
+}
+
+Operations::Reply Operations::modifyAccount(const FormBody &form)
+{
+    const Result<qint64> modified = m_accounts.modify(form);
+    return modified.isOk() ? number(modified.value) : refusal(modified.error);
+}
+
+Operations::Reply Operations::categories(qint64 member, const FormBody &form)
+{
+    Q_UNUSED(member)
+    Q_UNUSED(form)
+    return {categoryList(), "text/plain", {}};
+}
+
+Operations::Reply Operations::notificationOptions(qint64 member, const FormBody &form)
+{
+    Q_UNUSED(form)
+    const Accounts::AlertOptions options = m_accounts.alertOptions(member);
+    const QByteArrayList items{
+        QByteArray::number(int(options.onBid)), QByteArray::number(int(options.onAuctionEnd)),
+        QByteArray::number(int(options.onView)), QByteArray::number(int(options.onBuyerQuestion)),
+        item(options.email)};
+    return {"NotifyOnBid,NotifyOnAuctionEnd,NotifyOnView,NotifyOnBuyerQuestion,EmailAddress\n"
+                + items.join(',') + '\n',
+            "text/plain",
+            {}};
+}
+
+Operations::Reply Operations::setNotificationOptions(qint64 member, const FormBody &form)
+{
+    const int onBid = flag(form, "NotifyOnBid");
+    const int onEnd = flag(form, "NotifyOnAuctionEnd");
+    const int onView = flag(form, "NotifyOnView");
+    const int onQuestion = flag(form, "NotifyOnBuyerQuestion");
+    if (onBid < 0 || onEnd < 0 || onView < 0 || onQuestion < 0)
+        return refusal(QStringLiteral("an alert option is neither 0 nor 1"));
+    const Accounts::AlertOptions options{onBid == 1, onEnd == 1, onView == 1, onQuestion == 1, {}};
+    if (!m_accounts.setAlertOptions(member, options))
+        return refusal(QStringLiteral("the service could not store this"));
+    return number(member);
+}
+
+Operations::Reply Operations::myAuctions(qint64 member, const FormBody &form)
+{
+    Q_UNUSED(form)
+    QByteArray list = "AuctionID,Title,StartPrice,ReservePrice,BuyItNowPrice,CurrentPrice,EndDate,"
+                      "IsOver,Views,Bids,MetReservePrice\n";
+    const QList<Auctions::Auction> auctions = m_auctions.ofMember(member);
+    for (const Auctions::Auction &auction : auctions)
+        list += auctionLine(auction);
+    return {list, "text/plain", {}};
+}
+
+Operations::Reply Operations::modifyAuction(qint64 member, const FormBody &form)
+{
+    const qint64 auction =
+        form.number(QStringLiteral("AuctionID"), std::numeric_limits<qint32>::max());
+    const qint64 reservePrice = form.number(QStringLiteral("ReservePrice"), Auctions::maxPrice);
+    const qint64 buyPrice = form.number(QStringLiteral("BuyItNowPrice"), Auctions::maxPrice);
+    const QString error = m_auctions.changePrices(member, auction, reservePrice, buyPrice);
+    return error.isEmpty() ? number(auction) : refusal(error);
+}
+
+Auctions::Auction Operations::ownAuction(qint64 member, const FormBody &form)
+{
+    const qint64 id = form.number(QStringLiteral("AuctionID"), std::numeric_limits<qint32>::max());
+    const Auctions::Auction auction = m_auctions.auction(id);
+    return auction.member == member ? auction : Auctions::Auction();
+}
+
+Operations::Reply Operations::thumbnail(qint64 member, const FormBody &form)
+{
+    const Auctions::Auction auction = ownAuction(member, form);
+    if (auction.id == 0)
+        return refusal(QStringLiteral("this is no auction of yours"));
+    const Pictures::Picture picture = m_pictures.thumbnail(auction.media, Pictures::thumbnailEdge);
+    return {picture.bytes, picture.type, {}};
+}
+
+Operations::Reply Operations::rawMedia(qint64 member, const FormBody &form)
+{
+    const Auctions::Auction auction = ownAuction(member, form);
+    if (auction.id == 0)
+        return refusal(QStringLiteral("this is no auction of yours"));
+    return {{}, mediaType(auction.media), m_folder.mediaPath(auction.media)};
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "accounts.h"
+#include "auctions.h"
+#include "datafolder.h"
+#include "formbody.h"
+#include "pictures.h"
+
+#include <QByteArray>
+#include <QString>
+
+/**
+ * The form operations of the service: what each is asked with, and the exact bytes it answers.
+ *
+ * A refusal is a text that begins "ERROR: "; no other text contains that word, since members'
+ * devices look for it anywhere in a reply.
+ */
+class Operations
+{
+public:
+    struct Reply
+    {
+        QByteArray body;
+        QByteArray type = "text/plain";
+        QString file; ///< when not empty, this file's content is the body
+    };
+
+    Operations(Accounts &accounts, Auctions &auctions, Pictures &pictures,
+               const DataFolder &folder);
+
+    Reply answer(const QString &operation, const FormBody &form);
+
+    static Reply refusal(const QString &reason);
+    static Reply number(qint64 number);
+    /** @p text as one item of a line: without commas, line ends and the word of a refusal. */
+    static QByteArray item(const QString &text);
+
+private:
+    using Member = Reply (Operations::*)(qint64 member, const FormBody &form);
+
+    Reply validateLogin(const FormBody &form);
+    Reply createAccount(const FormBody &form);
+    Reply modifyAccount(const FormBody &form);
+    Reply categories(qint64 member, const FormBody &form);
+    Reply notificationOptions(qint64 member, const FormBody &form);
+    Reply setNotificationOptions(qint64 member, const FormBody &form);
+    Reply myAuctions(qint64 member, const FormBody &form);
+    Reply modifyAuction(qint64 member, const FormBody &form);
+    Reply thumbnail(qint64 member, const FormBody &form);
+    Reply rawMedia(qint64 member, const FormBody &form);
+
+    /** An auction of this member named by the form; number 0 = none. */
+    Auctions::Auction ownAuction(qint64 member, const FormBody &form);
+
+    Accounts &m_accounts;
+    Auctions &m_auctions;
+    Pictures &m_pictures;
+    const DataFolder &m_folder;
+};

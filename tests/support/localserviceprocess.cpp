@@ -1,0 +1,150 @@
+#include "localserviceprocess.h"
+
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QTcpSocket>
+
+namespace {
+constexpr int patience = 30000;
+}
+
+LocalServiceProcess::LocalServiceProcess(QObject *parent)
+    : QObject(parent)
+{
+    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+}
+
+LocalServiceProcess::~LocalServiceProcess()
+{
+    kill();
+}
+
+bool LocalServiceProcess::start(const QStringList &options)
+{
+    const QStringList arguments{QStringLiteral("--port"), QStringLiteral("0"),
+                                QStringLiteral("--data"), dataDir()};
+    m_process.start(QStringLiteral(KAVLOR_LOCALSERVICE), arguments + options);
+    QElapsedTimer waited;
+    waited.start();
+    while (!m_process.canReadLine()) {
+        if (waited.hasExpired(patience) || m_process.state() == QProcess::NotRunning
+            || !m_process.waitForReadyRead(patience))
+            return false;
+    }
+    static const QRegularExpression listening(
+        QStringLiteral("^kavlor-localservice: listening on 127\\.0\\.0\\.1:(\\d+)\n$"));
+    m_port = listening.match(QString::fromLatin1(m_process.readLine())).captured(1).toInt();
+    return m_port > 0;
+}
+
+void LocalServiceProcess::kill()
+{
+    m_process.kill();
+    m_process.waitForFinished(patience);
+}
+
+int LocalServiceProcess::terminate()
+{
+    m_process.terminate();
+    const bool ended = m_process.waitForFinished(patience);
+    return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+qint64 LocalServiceProcess::processId() const
+{
+    return m_process.processId();
+}
+
+int LocalServiceProcess::port() const
+{
+    return m_port;
+}
+
+QString LocalServiceProcess::host() const
+{
+    return QStringLiteral("localhost:%1").arg(m_port);
+}
+
+QString LocalServiceProcess::dataDir() const
+{
+    return m_folder.path() + QStringLiteral("/service");
+}
+
+QList<QVariantList> LocalServiceProcess::query(const QString &statement,
+                                               const QVariantList &values) const
+{
+    const QString name = QStringLiteral("localserviceprocess");
+    QList<QVariantList> rows;
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        database.setDatabaseName(dataDir() + QStringLiteral("/service.sqlite"));
+        database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+        database.open();
+        QSqlQuery query(database);
+        query.prepare(statement);
+        for (const QVariant &value : values)
+            query.addBindValue(value);
+        if (!query.exec())
+            qWarning("%s: %s", qPrintable(statement), qPrintable(query.lastError().text()));
+        while (query.next()) {
+            QVariantList row;
+            for (int column = 0; column < query.record().count(); ++column)
+                row.append(query.value(column));
+            rows.append(row);
+        }
+    }
+    QSqlDatabase::removeDatabase(name);
+    return rows;
+}
+
+QVariant LocalServiceProcess::value(const QString &statement, const QVariantList &values) const
+{
+    return query(statement, values).value(0).value(0);
+}
+
+LocalServiceProcess::Reply LocalServiceProcess::send(const QByteArray &request) const
+{
+    QTcpSocket socket;
+    socket.connectToHost(QStringLiteral("127.0.0.1"), quint16(m_port));
+    if (!socket.waitForConnected(patience))
+        return {};
+    socket.write(request);
+    while (socket.state() == QAbstractSocket::ConnectedState && socket.waitForReadyRead(patience)) {
+    }
+    return parsed(socket.readAll());
+}
+
+LocalServiceProcess::Reply LocalServiceProcess::post(const QByteArray &operation,
+                                                     const QByteArray &form) const
+{
+    return send("POST /tolvex/" + operation
+                + "/ HTTP/1.1\r\nHost: localhost\r\n"
+                  "Content-Type: application/x-www-form-urlencoded\r\nContent-Length: "
+                + QByteArray::number(form.size()) + "\r\n\r\n" + form);
+}
+
+LocalServiceProcess::Reply LocalServiceProcess::get(const QByteArray &path,
+                                                    const QByteArray &headerLines) const
+{
+    return send("GET " + path + " HTTP/1.1\r\nHost: localhost:" + QByteArray::number(m_port)
+                + "\r\n" + headerLines + "\r\n");
+}
+
+LocalServiceProcess::Reply LocalServiceProcess::parsed(const QByteArray &raw)
+{
+    const qsizetype end = raw.indexOf("\r\n\r\n");
+    if (end < 0 || !raw.startsWith("HTTP/1.1 "))
+        return {};
+    Reply reply;
+    reply.status = raw.mid(9, 3).toInt();
+    reply.header = raw.left(end + 2);
+    reply.body = raw.mid(end + 4);
+    static const QRegularExpression type(QStringLiteral("\r\nContent-Type: ([^\r]*)\r\n"),
+                                         QRegularExpression::CaseInsensitiveOption);
+    reply.type = type.match(QString::fromLatin1(reply.header)).captured(1).toLatin1();
+    return reply;
+}

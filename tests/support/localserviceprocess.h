@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QObject>
+#include <QProcess>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QVariant>
+
+/**
+ * The real auction service in a process of its own, on a port and a data folder of its own.
+ *
+ * It is killed with this object, and the folder is removed.
+ */
+class LocalServiceProcess : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Reply
+    {
+        int status = 0; ///< 0 = no reply
+        QByteArray type;
+        QByteArray header; ///< status line and header lines, as sent
+        QByteArray body;
+    };
+
+    explicit LocalServiceProcess(QObject *parent = nullptr);
+    ~LocalServiceProcess() override;
+
+    /** Starts the service with further @p options such as "--seed" and waits until it listens. */
+    bool start(const QStringList &options = {});
+    /** As kill -9, with no chance to tidy up. The data stays, for another start(). */
+    void kill();
+    /** As SIGTERM; the exit code, or -1 when the service did not end in good order. */
+    int terminate();
+    qint64 processId() const;
+
+    int port() const;
+    /** For setServiceHost(): "localhost:<port>". */
+    QString host() const;
+    QString dataDir() const;
+
+    /** The rows of a query on the service's database, read only; a failed query is a warning. */
+    QList<QVariantList> query(const QString &statement, const QVariantList &values = {}) const;
+    /** The first value of query(), or an invalid one. */
+    QVariant value(const QString &statement, const QVariantList &values = {}) const;
+
+    /** Sends the exact bytes on one connection and reads the reply until the service closes it. */
+    Reply send(const QByteArray &request) const;
+    /** Posts a form body such as "Username=demo&Password=demo" to an operation. */
+    Reply post(const QByteArray &operation, const QByteArray &form) const;
+    Reply get(const QByteArray &path, const QByteArray &headerLines = {}) const;
+
+    static Reply parsed(const QByteArray &raw);
+
+private:
+    QTemporaryDir m_folder;
+    QProcess m_process;
+    int m_port = 0;
+};
