@@ -1,5 +1,6 @@
 #include "framewelcomekavlor.h"
 
+#include "framecreateaccount.h"
 #include "kavlorlogin.h"
 #include "rootviewcontroller.h"
 #include "ui_framewelcomekavlor.h"
@@ -20,6 +21,13 @@ FrameWelcomeKavlor::~FrameWelcomeKavlor() = default;
 void FrameWelcomeKavlor::showCreateAccountFrame()
 {
     emit CreateAccountClicked();
+    RootViewController *root = RootViewController::of(this);
+    auto *creation =
+        new FrameCreateAccount(m_settings, root ? root->user() : nullptr, parentWidget());
+    if (root)
+        root->setNavigationTextAndIcon(tr("Create account "), QString(), true, creation);
+    creation->show();
+    RootViewController::leave(this);
 }
 
 void FrameWelcomeKavlor::showLoginFrame()

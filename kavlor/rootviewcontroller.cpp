@@ -4,6 +4,7 @@
 #include "framewelcomekavlor.h"
 #include "httptolvex.h"
 #include "kavlorknownuser.h"
+#include "kavlorsettings.h"
 #include "kavlorsplashwindow.h"
 #include "navigationcontrolableframe.h"
 #include "navigationframe.h"
@@ -184,7 +185,8 @@ void RootViewController::showHome(const QString &userName, const QString &passwo
     if (m_notificationOptionsText.isEmpty()) {
         m_requestState = NotificationOptionsRequested;
         m_request->getNotificationOptions(userName, password);
-    } else {
+    } else if (!m_notificationOptions.isInitialized()) {
+        // Once only: the text is from the start, and the member may have chosen anew since.
         m_notificationOptions.parse(m_notificationOptionsText);
     }
 
@@ -216,8 +218,23 @@ void RootViewController::requestDone(QString aResponse, QString aError)
 void RootViewController::ShowSettingsOptions(QString userName, QString password,
                                              int aNotificationAtOnce)
 {
-    Q_UNUSED(aNotificationAtOnce)
-    ShowLoginOptions(userName, password, true);
+    deleteBar();
+    if (userName.isEmpty() || password.isEmpty()) {
+        ShowLoginOptions(QString(), QString(), false);
+        return;
+    }
+
+    NavigationControlableFrame *bar =
+        makeControlableBar(tr("Settings"), QStringLiteral(":/MySettingsIcon.png"));
+    auto *frame = new CKavlorSettings(&m_user, &m_notificationOptions, m_ui->mainView);
+    connect(bar, &NavigationControlableFrame::backClicked, frame, &CKavlorSettings::backClicked);
+    bar->setElementVisible(false, NavigationControlableFrame::CancelButton);
+    if (aNotificationAtOnce != 0)
+        bar->setElementText(NavigationControlableFrame::BackButton, tr("Home"));
+    bar->show();
+    frame->show();
+    if (aNotificationAtOnce != 0)
+        frame->notificationsClicked(false); // gives the bar its own title
 }
 
 void RootViewController::showNotifications()
