@@ -194,7 +194,7 @@ void FrameCreateAccount::accountAnswered(const QString &response, const QString 
     setFormEnabled(true);
     m_ui->submitButton->setToolTip(QString());
     m_ui->submitButton->setFocus();
-    if (error.isEmpty() && !response.contains(QLatin1String("ERROR")))
+    if (CHttpTolvex::succeeded(response, error))
         accountCreated(response);
     else
         accountRefused(response, error);
