@@ -154,8 +154,11 @@ QVariant CGConfBackend::value(const QString &key) const
     }
     const QByteArray localKey = key.toLocal8Bit();
     ErrorGuard error;
-    GConfValue *value = gconf_client_get(m_client, localKey.constData(), error.out());
-    if (error.isSet()) {
+    // Over a key that is no path GConf ends the program instead of reporting an error.
+    const bool isPath = localKey.startsWith('/');
+    GConfValue *value =
+        isPath ? gconf_client_get(m_client, localKey.constData(), error.out()) : nullptr;
+    if (!isPath || error.isSet()) {
         qWarning() << "Warning: CGConfBackend::value unable to find key:" << key;
         return {};
     }

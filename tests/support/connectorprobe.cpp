@@ -3,6 +3,7 @@
 // line for each report until its standard input is closed.
 
 #include "connector.h"
+#include "gconfbackend.h"
 
 #include <QApplication>
 #include <QSocketNotifier>
@@ -22,6 +23,8 @@ void carryOut(CConnector &connector, const QString &operation)
         connector.connect();
     else if (operation == QLatin1String("disconnect"))
         connector.disconnect();
+    else if (operation == QLatin1String("gconf"))
+        QTextStream(stdout) << (CGConfBackend::instance() ? "gconf" : "no gconf") << Qt::endl;
 }
 
 } // namespace

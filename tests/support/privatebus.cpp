@@ -3,6 +3,9 @@
 #include <QFile>
 #include <QUuid>
 
+#include <csignal>
+#include <sys/prctl.h>
+
 namespace {
 
 // The socket is abstract: a path inside the temporary folder may be too long for one.
@@ -26,6 +29,13 @@ const char configuration[] =
 
 PrivateBus::~PrivateBus()
 {
+    stop();
+}
+
+void PrivateBus::stop()
+{
+    if (m_daemon.state() == QProcess::NotRunning)
+        return;
     m_daemon.terminate();
     if (!m_daemon.waitForFinished())
         m_daemon.kill();
@@ -44,6 +54,8 @@ bool PrivateBus::start()
     qputenv("HOME", QFile::encodeName(home()));
     qputenv("XDG_RUNTIME_DIR", QFile::encodeName(home()));
     m_daemon.setStandardErrorFile(QProcess::nullDevice());
+    // Not even a crash of the test leaves the bus behind.
+    m_daemon.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
     m_daemon.start(QStringLiteral("dbus-daemon"),
                    {QStringLiteral("--config-file=") + file.fileName(), QStringLiteral("--nofork"),
                     QStringLiteral("--print-address")});

@@ -20,6 +20,8 @@ public:
 
     /** False when there is no dbus-daemon or it does not start. */
     bool start();
+    /** Ends the bus under whoever uses it. */
+    void stop();
     QString address() const;
     QString home() const;
 
