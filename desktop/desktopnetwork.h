@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QNetworkInformation>
+#include <QObject>
+
+/**
+ * The desktop's own view of its network, as a state number of the connectivity daemon.
+ *
+ * Where the desktop cannot tell, the state is 2: a request that is tried and fails says more than
+ * one that is never sent.
+ */
+class DesktopNetwork : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit DesktopNetwork(QObject *parent = nullptr);
+
+    quint32 state() const;
+
+    static quint32 stateOf(QNetworkInformation::Reachability reachability);
+
+signals:
+    /** The state is another than before. */
+    void stateChanged(quint32 state);
+};

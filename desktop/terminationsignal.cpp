@@ -1,0 +1,36 @@
+#include "terminationsignal.h"
+
+#include <csignal>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+namespace {
+
+int signalDescriptor()
+{
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, SIGTERM);
+    sigaddset(&set, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+    return signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
+}
+
+} // namespace
+
+TerminationSignal::TerminationSignal(QObject *parent)
+    : QObject(parent)
+    , m_notifier(signalDescriptor(), QSocketNotifier::Read)
+{
+    connect(&m_notifier, &QSocketNotifier::activated, this, [this] {
+        signalfd_siginfo info;
+        if (read(int(m_notifier.socket()), &info, sizeof info) == sizeof info)
+            emit received();
+    });
+}
+
+TerminationSignal::~TerminationSignal()
+{
+    m_notifier.setEnabled(false);
+    close(int(m_notifier.socket()));
+}
