@@ -9,8 +9,9 @@ FrameArea::FrameArea(QWidget *parent)
 
 void FrameArea::childEvent(QChildEvent *event)
 {
-    // Polished comes just before a child is first shown, when its form is built.
-    if (event->type() == QEvent::ChildPolished)
+    // At first, so that the child does not choose a size of its own when it is shown; and again
+    // when its form is built, which may have given it one.
+    if (event->type() == QEvent::ChildAdded || event->type() == QEvent::ChildPolished)
         fill(event->child());
     QFrame::childEvent(event);
 }
@@ -24,7 +25,11 @@ void FrameArea::resizeEvent(QResizeEvent *event)
 
 void FrameArea::fill(QObject *child)
 {
-    auto *frame = qobject_cast<QFrame *>(child);
-    if (frame && !frame->isWindow())
-        frame->setGeometry(contentsRect());
+    // A child that has just been added is a widget already, but not yet a frame. Dialogs, which
+    // are windows, keep their own place.
+    if (!child->isWidgetType())
+        return;
+    auto *widget = static_cast<QWidget *>(child);
+    if (!widget->isWindow())
+        widget->setGeometry(contentsRect());
 }

@@ -1,0 +1,119 @@
+#include "rootwindow.h"
+
+#include "framewelcomekavlor.h"
+#include "kavlorknownuser.h"
+
+#include <QAbstractButton>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTest>
+
+RootWindow::RootWindow()
+    : settings(folder.filePath(QStringLiteral("kavlor.conf")), QSettings::IniFormat)
+{
+}
+
+RootWindow::~RootWindow() = default;
+
+void RootWindow::remember(const QString &userName, const QString &password)
+{
+    CKavlorUser::Fields fields = CKavlorUser::defaultFields();
+    fields[CKavlorUser::Username] = userName;
+    fields[CKavlorUser::Password] = password;
+    fields[CKavlorUser::EmailAddress] = userName + QStringLiteral("@example.org");
+    CKavlorUser(&settings, nullptr, false, fields).save();
+}
+
+void RootWindow::scriptStart()
+{
+    service.expect("GetServiceTerms", "<p>terms</p>");
+    service.expect("GetCountryList", "countries");
+}
+
+void RootWindow::scriptSignedInStart()
+{
+    service.expect("ValidateLogin", "1");
+    service.expect("GetCategoryList",
+                   "categories\n1,Public Figures,0\n4,Sports,0\n10,Football,4\n");
+    service.expect("GetNotificationOptions", "options\n1,0,0,1\n");
+    scriptStart();
+}
+
+void RootWindow::start()
+{
+    m_root = std::make_unique<RootViewController>(&settings);
+}
+
+bool RootWindow::startAtWelcome()
+{
+    scriptStart();
+    start();
+    return QTest::qWaitFor([this] { return shown<FrameWelcomeKavlor>() != nullptr; });
+}
+
+bool RootWindow::startAtHome()
+{
+    remember(QStringLiteral("m1"), QStringLiteral("secret"));
+    scriptSignedInStart();
+    start();
+    return QTest::qWaitFor([this] { return shown<KavlorKnownUser>() != nullptr; });
+}
+
+void RootWindow::end()
+{
+    m_root.reset();
+}
+
+RootViewController *RootWindow::root() const
+{
+    return m_root.get();
+}
+
+QString RootWindow::title() const
+{
+    return text("labelNavigationTitle");
+}
+
+QWidget *RootWindow::find(const char *name) const
+{
+    const QList<QWidget *> widgets = m_root->findChildren<QWidget *>(QLatin1String(name));
+    for (QWidget *widget : widgets) {
+        if (widget->isVisible())
+            return widget;
+    }
+    return nullptr;
+}
+
+bool RootWindow::click(const char *name)
+{
+    QWidget *widget = find(name);
+    if (!widget || !widget->isEnabled())
+        return false;
+    QTest::mouseClick(widget, Qt::LeftButton);
+    return true;
+}
+
+bool RootWindow::type(const char *name, const QString &text)
+{
+    QWidget *widget = find(name);
+    if (!widget || !widget->isEnabled())
+        return false;
+    QTest::mouseClick(widget, Qt::LeftButton);
+    QTest::keyClick(widget, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(widget, Qt::Key_Delete);
+    for (const QChar letter : text)
+        QTest::sendKeyEvent(QTest::Click, widget, Qt::Key_unknown, QString(letter), Qt::NoModifier);
+    return true;
+}
+
+QString RootWindow::text(const char *name) const
+{
+    const QWidget *widget = find(name);
+    if (const auto *label = qobject_cast<const QLabel *>(widget))
+        return label->text();
+    if (const auto *line = qobject_cast<const QLineEdit *>(widget))
+        return line->text();
+    if (const auto *button = qobject_cast<const QAbstractButton *>(widget))
+        return button->text();
+    return {};
+}

@@ -1,0 +1,73 @@
+#include "framewelcomekavlor.h"
+#include "kavlorlogin.h"
+#include "rootwindow.h"
+#include "testcase.h"
+#include "testmain.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+
+class tst_FrameWelcomeKavlor : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void asksBothQuestions();
+    void loginReplacesTheFrame();
+    void doubleClickOpensOneLogin();
+    void withoutARootTheLoginIsStillShown();
+};
+
+void tst_FrameWelcomeKavlor::asksBothQuestions()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    auto *frame = window.shown<FrameWelcomeKavlor>();
+    QStringList texts;
+    for (const QLabel *label : frame->findChildren<QLabel *>())
+        texts.append(label->text());
+    QVERIFY(texts.contains(QStringLiteral("New to kavlor?")));
+    QVERIFY(texts.contains(QStringLiteral("Already have an account?")));
+    QVERIFY(window.find<QPushButton>("createAccountButton"));
+    QVERIFY(window.find<QPushButton>("loginButton"));
+    QVERIFY(window.find<QFrame>("frameForm"));
+}
+
+void tst_FrameWelcomeKavlor::loginReplacesTheFrame()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    QSignalSpy clicked(window.shown<FrameWelcomeKavlor>(), &FrameWelcomeKavlor::LoginClicked);
+    QVERIFY(window.click("loginButton"));
+    QCOMPARE(clicked.count(), 1);
+    QVERIFY(window.shown<KavlorLogin>());
+    QTRY_VERIFY(!window.root()->findChild<FrameWelcomeKavlor *>());
+}
+
+void tst_FrameWelcomeKavlor::doubleClickOpensOneLogin()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    QWidget *button = window.find("loginButton");
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTest::mouseDClick(button, Qt::LeftButton);
+    QTRY_VERIFY(!window.root()->findChild<FrameWelcomeKavlor *>());
+    QCOMPARE(window.root()->findChildren<KavlorLogin *>().size(), 1);
+}
+
+void tst_FrameWelcomeKavlor::withoutARootTheLoginIsStillShown()
+{
+    QWidget area;
+    area.show();
+    QPointer<FrameWelcomeKavlor> frame(new FrameWelcomeKavlor(nullptr, &area));
+    frame->show();
+    frame->showLoginFrame();
+    QTRY_VERIFY(!frame);
+    auto *login = area.findChild<KavlorLogin *>();
+    QVERIFY(login);
+    QVERIFY(login->isVisible());
+}
+
+KAVLOR_TEST_MAIN(tst_FrameWelcomeKavlor)
+#include "tst_framewelcomekavlor.moc"

@@ -1,0 +1,278 @@
+#include "framewelcomekavlor.h"
+#include "kavlorknownuser.h"
+#include "kavlorsplashwindow.h"
+#include "rootwindow.h"
+#include "testcase.h"
+#include "testconstants.h"
+#include "testmain.h"
+
+#include <QLabel>
+#include <QSignalSpy>
+#include <QTableView>
+#include <QTimer>
+
+class tst_KavlorSplashWindow : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void withoutALoginTermsThenCountries();
+    void withALoginAllFiveInOrder();
+    void validationReply_data();
+    void validationReply();
+    void repliesWithinTheMinimumTimeWaitForIt();
+    void theTimerFirstWaitsForTheCountriesReply();
+    void messagesAccompanyTheRequests();
+    void replyWithErrorIsNotStored_data();
+    void replyWithErrorIsNotStored();
+    void termsAreStoredWithoutLookingForError();
+    void transportErrorEndsTheProgram_data();
+    void transportErrorEndsTheProgram();
+    void versionAndStripAreShown();
+    void aLoginWithoutPasswordIsNotValidated();
+    void handsOverOnlyOnce();
+
+private:
+    static QString message(const RootWindow &window);
+};
+
+QString tst_KavlorSplashWindow::message(const RootWindow &window)
+{
+    return window.text("progressMessage");
+}
+
+void tst_KavlorSplashWindow::withoutALoginTermsThenCountries()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    QCOMPARE(window.service.operations(), (QList<QByteArray>{"GetServiceTerms", "GetCountryList"}));
+    QCOMPARE(window.root()->termsText(), QStringLiteral("<p>terms</p>"));
+    QCOMPARE(window.root()->countriesText(), QStringLiteral("countries"));
+    QVERIFY2(window.service.isDone(), window.service.report());
+}
+
+void tst_KavlorSplashWindow::withALoginAllFiveInOrder()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    QCOMPARE(window.service.operations(),
+             (QList<QByteArray>{"ValidateLogin", "GetCategoryList", "GetNotificationOptions",
+                                "GetServiceTerms", "GetCountryList"}));
+    QCOMPARE(window.service.requests().at(0).body,
+             QByteArray("Username=m1&Password=secret&SUBMIT=Submit"));
+    QVERIFY2(window.service.isDone(), window.service.report());
+}
+
+void tst_KavlorSplashWindow::validationReply_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<bool>("valid");
+
+    QTest::newRow("0") << QByteArray("0") << false;
+    QTest::newRow("abc") << QByteArray("abc") << false;
+    QTest::newRow("17") << QByteArray("17") << true;
+    QTest::newRow("1") << QByteArray("1") << true;
+    QTest::newRow("-1") << QByteArray("-1") << true;
+    QTest::newRow("ERROR") << QByteArray("ERROR") << false;
+    QTest::newRow("1 with ERROR") << QByteArray("1 ERROR") << false;
+    QTest::newRow("empty") << QByteArray() << false;
+}
+
+void tst_KavlorSplashWindow::validationReply()
+{
+    QFETCH(QByteArray, reply);
+    QFETCH(bool, valid);
+
+    RootWindow window;
+    window.remember(QStringLiteral("m1"), QStringLiteral("secret"));
+    window.service.expect("ValidateLogin", reply);
+    QList<QByteArray> expected{"ValidateLogin"};
+    if (valid) {
+        window.service.expect("GetCategoryList", "c\n1,Sports,0\n");
+        window.service.expect("GetNotificationOptions", "o\n0,0,0,0\n");
+        expected += QList<QByteArray>{"GetCategoryList", "GetNotificationOptions"};
+    }
+    window.scriptStart();
+    expected += QList<QByteArray>{"GetServiceTerms", "GetCountryList"};
+    if (!valid) {
+        // The home frame opens all the same, and the root fetches what is missing.
+        window.service.expect("GetNotificationOptions", "o\n0,0,0,0\n");
+        window.service.expect("GetCategoryList", "c\n1,Sports,0\n");
+        expected += QList<QByteArray>{"GetNotificationOptions"};
+    }
+    window.start();
+    QTRY_VERIFY(window.shown<KavlorKnownUser>());
+    QTRY_VERIFY(window.service.operations().size() >= expected.size());
+    QCOMPARE(window.service.operations().mid(0, expected.size()), expected);
+}
+
+void tst_KavlorSplashWindow::repliesWithinTheMinimumTimeWaitForIt()
+{
+    RootWindow window;
+    testTimeConstants().startUpMinimum = 1000;
+    window.scriptStart();
+    QElapsedTimer timer;
+    timer.start();
+    window.start();
+    QTRY_COMPARE(window.root()->countriesText(), QStringLiteral("countries"));
+    QVERIFY(window.shown<CKavlorSplashWindow>());
+    QVERIFY(!window.shown<FrameWelcomeKavlor>());
+    QTRY_VERIFY(window.shown<FrameWelcomeKavlor>());
+    QVERIFY(timer.elapsed() >= 1000);
+    QTRY_VERIFY(!window.root()->findChild<CKavlorSplashWindow *>());
+}
+
+void tst_KavlorSplashWindow::theTimerFirstWaitsForTheCountriesReply()
+{
+    RootWindow window;
+    testTimeConstants().startUpMinimum = 1;
+    window.service.expect("GetServiceTerms", "terms");
+    window.service.expectHeld("GetCountryList", "countries");
+    window.start();
+    auto *splash = window.shown<CKavlorSplashWindow>();
+    QVERIFY(splash);
+    QSignalSpy goodExit(splash, &CKavlorSplashWindow::GoodExit);
+    QTRY_VERIFY(window.service.isHolding());
+    QTRY_COMPARE(goodExit.count(), 1); // the timer's
+    QVERIFY(window.shown<CKavlorSplashWindow>());
+    QVERIFY(!window.shown<FrameWelcomeKavlor>());
+    QVERIFY(window.service.release());
+    QTRY_VERIFY(window.shown<FrameWelcomeKavlor>());
+}
+
+void tst_KavlorSplashWindow::messagesAccompanyTheRequests()
+{
+    RootWindow window;
+    testTimeConstants().startUpMinimum = 1;
+    window.remember(QStringLiteral("m1"), QStringLiteral("secret"));
+    window.service.expectHeld("ValidateLogin", "1");
+    window.service.expectHeld("GetCategoryList", "c\n1,Sports,0\n");
+    window.service.expectHeld("GetNotificationOptions", "o\n0,0,0,0\n");
+    window.service.expectHeld("GetServiceTerms", "terms");
+    window.service.expectHeld("GetCountryList", "countries");
+    window.start();
+    // The message of the alert options' reply stays while the terms are fetched.
+    const QStringList messages{
+        QStringLiteral("validating login"), QStringLiteral("requesting categories"),
+        QStringLiteral("requesting user options"), QStringLiteral("data is ok, launching..."),
+        QStringLiteral("requesting countries data")};
+    for (const QString &expected : messages) {
+        QTRY_VERIFY(window.service.isHolding());
+        QCOMPARE(message(window), expected);
+        QVERIFY(window.service.release());
+    }
+    QTRY_VERIFY(window.shown<KavlorKnownUser>());
+}
+
+void tst_KavlorSplashWindow::replyWithErrorIsNotStored_data()
+{
+    QTest::addColumn<int>("which");
+    QTest::newRow("categories") << 1;
+    QTest::newRow("alert options") << 2;
+    QTest::newRow("countries") << 4;
+}
+
+void tst_KavlorSplashWindow::replyWithErrorIsNotStored()
+{
+    QFETCH(int, which);
+    RootWindow window;
+    window.remember(QStringLiteral("m1"), QStringLiteral("secret"));
+    const QList<QByteArray> operations{"ValidateLogin", "GetCategoryList", "GetNotificationOptions",
+                                       "GetServiceTerms", "GetCountryList"};
+    for (int request = 0; request < operations.size(); ++request) {
+        const QByteArray good = request == 0 ? "1" : "1\n1,1,1,1";
+        window.service.expect(operations.at(request), request == which ? "an ERROR" : good);
+    }
+    if (which == 2) {
+        window.service.expect("GetNotificationOptions", "o\n1,1,1,1\n");
+        window.service.expect("GetCategoryList", "c\n1,Sports,0\n");
+    }
+    window.start();
+    QTRY_VERIFY(window.shown<KavlorKnownUser>());
+    QCOMPARE(window.root()->countriesText().isEmpty(), which == 4);
+    if (which == 2) // not stored, and so fetched once more
+        QTRY_COMPARE(window.service.operations().value(5), QByteArray("GetNotificationOptions"));
+}
+
+void tst_KavlorSplashWindow::termsAreStoredWithoutLookingForError()
+{
+    RootWindow window;
+    window.service.expect("GetServiceTerms", "ERROR: terms");
+    window.service.expect("GetCountryList", "countries");
+    window.start();
+    QTRY_VERIFY(window.shown<FrameWelcomeKavlor>());
+    QCOMPARE(window.root()->termsText(), QStringLiteral("ERROR: terms"));
+}
+
+void tst_KavlorSplashWindow::transportErrorEndsTheProgram_data()
+{
+    QTest::addColumn<int>("which");
+    QTest::newRow("login validation") << 0;
+    QTest::newRow("categories") << 1;
+    QTest::newRow("alert options") << 2;
+    QTest::newRow("terms") << 3;
+    QTest::newRow("countries") << 4;
+}
+
+void tst_KavlorSplashWindow::transportErrorEndsTheProgram()
+{
+    QFETCH(int, which);
+    RootWindow window;
+    window.remember(QStringLiteral("m1"), QStringLiteral("secret"));
+    const QList<QByteArray> operations{"ValidateLogin", "GetCategoryList", "GetNotificationOptions",
+                                       "GetServiceTerms", "GetCountryList"};
+    for (int request = 0; request < which; ++request)
+        window.service.expect(operations.at(request), "1");
+    ScriptedService::Step cut;
+    cut.operation = operations.at(which);
+    cut.then = ScriptedService::Close;
+    window.service.expect(cut);
+
+    window.start();
+    QTRY_VERIFY(!window.root()->isVisible());
+    QVERIFY(!window.root()->findChild<CKavlorSplashWindow *>());
+    QCOMPARE(window.dialogs.boxes().size(), 1);
+    const QString text = window.dialogs.boxes().constFirst().text;
+    const QString opening = QStringLiteral("kavlor experienced an error contacting a server.\n"
+                                           "Please check your network settings.\n\n");
+    QVERIFY2(text.startsWith(opening), qPrintable(text));
+    QVERIFY(text.size() > opening.size());
+    QCOMPARE(window.service.operations(), operations.mid(0, which + 1));
+    QVERIFY2(window.service.isDone(), window.service.report());
+}
+
+void tst_KavlorSplashWindow::versionAndStripAreShown()
+{
+    RootWindow window;
+    window.service.expectHeld("GetServiceTerms", "terms");
+    window.start();
+    QCOMPARE(window.text("version"), QStringLiteral("kavlor 0.1.6 beta"));
+    QCOMPARE(window.root()->windowTitle(), QStringLiteral("kavlor"));
+    QVERIFY(window.root()->isVisible());
+    auto *strip = window.find<QTableView>("splashProgress");
+    QVERIFY(strip);
+    QCOMPARE(strip->model()->columnCount(), 8);
+    QVERIFY(!window.find<QLabel>("kavlorLogoLabel")->pixmap().isNull());
+}
+
+void tst_KavlorSplashWindow::aLoginWithoutPasswordIsNotValidated()
+{
+    RootWindow window;
+    window.remember(QStringLiteral("m1"), QString());
+    window.scriptStart();
+    window.start();
+    QTRY_VERIFY(window.shown<FrameWelcomeKavlor>());
+    QCOMPARE(window.service.operations(), (QList<QByteArray>{"GetServiceTerms", "GetCountryList"}));
+    QCOMPARE(window.settings.value(QStringLiteral("last/USERID")).toString(), QString());
+}
+
+void tst_KavlorSplashWindow::handsOverOnlyOnce()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    QTRY_VERIFY(!window.root()->findChild<CKavlorSplashWindow *>());
+    QCOMPARE(window.root()->findChildren<FrameWelcomeKavlor *>().size(), 1);
+}
+
+KAVLOR_TEST_MAIN(tst_KavlorSplashWindow)
+#include "tst_kavlorsplashwindow.moc"

@@ -1,0 +1,252 @@
+#include "framewelcomekavlor.h"
+#include "kavlorknownuser.h"
+#include "kavlorlogin.h"
+#include "navigationcontrolableframe.h"
+#include "navigationframe.h"
+#include "rootwindow.h"
+#include "testcase.h"
+#include "testconstants.h"
+#include "testmain.h"
+
+#include <QDialog>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+
+class tst_RootViewController : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void notSignedInBar();
+    void homeBar();
+    void aUserNameWithoutPasswordCountsAsNobody();
+    void settingsWithAnEmptyPasswordFallBackToWelcome();
+    void progressOperationsNeedTheBarBeforeSignIn();
+    void barTextsReachBothKindsOfBar();
+    void withoutABarTheBarOperationsAreRefused();
+    void unvalidatedLoginIsSavedAgain();
+    void validatedLoginWithOtherTextsIsSaved();
+    void repliesOfTheRootsOwnRequestsThatAreNotUsableAreIgnored_data();
+    void repliesOfTheRootsOwnRequestsThatAreNotUsableAreIgnored();
+    void welcomeSignalShowsTheScreen();
+    void framesFillTheirAreas();
+    void dialogsKeepTheirOwnSize();
+    void destructionRemembersTheMember();
+    void destructionWithARequestInFlight();
+    void nothingOfTheLastScreenStays();
+};
+
+void tst_RootViewController::notSignedInBar()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    QVERIFY(window.shown<NavigationFrame>());
+    QCOMPARE(window.text("labelWelcomeTo"), QStringLiteral("welcome to "));
+    QVERIFY(window.find("labelSmallestLogo"));
+    QVERIFY(!window.find("cancelNavigationButton"));
+    QVERIFY(!window.find("progressBar"));
+    QVERIFY(!window.find("backNavigationButton"));
+}
+
+void tst_RootViewController::homeBar()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    QVERIFY(window.shown<NavigationControlableFrame>());
+    QCOMPARE(window.title(), QStringLiteral("welcome to kavlor!"));
+    QCOMPARE(window.text("cancelNavigationButton"), QStringLiteral("Sign out"));
+    QVERIFY(window.find("labelNavigationIcon"));
+    QVERIFY(!window.find("backNavigationButton"));
+}
+
+void tst_RootViewController::aUserNameWithoutPasswordCountsAsNobody()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    window.root()->ShowLoginOptions(QStringLiteral("m1"), QString(), true);
+    QTRY_VERIFY(window.shown<FrameWelcomeKavlor>());
+    QCOMPARE(window.settings.value(QStringLiteral("last/USERID")).toString(), QString());
+    QCOMPARE(window.root()->user()->field(CKavlorUser::Username), QString());
+}
+
+void tst_RootViewController::settingsWithAnEmptyPasswordFallBackToWelcome()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    window.root()->ShowSettingsOptions(QStringLiteral("m1"), QString());
+    QTRY_VERIFY(window.shown<FrameWelcomeKavlor>());
+    QVERIFY(window.shown<NavigationFrame>());
+}
+
+void tst_RootViewController::progressOperationsNeedTheBarBeforeSignIn()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    QVERIFY(!window.root()->progressAnimation(true));
+    QVERIFY(!window.root()->setProgressVisible(true));
+
+    window.root()->ShowLoginOptions();
+    QVERIFY(window.root()->setProgressVisible());
+    QVERIFY(window.find("progressBar"));
+    QVERIFY(window.root()->progressAnimation(true, 1));
+    QVERIFY(window.root()->progressAnimation(false));
+    QVERIFY(window.root()->setProgressVisible(false));
+    QVERIFY(!window.find("progressBar"));
+}
+
+void tst_RootViewController::barTextsReachBothKindsOfBar()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    QVERIFY(window.root()->setNavigationTextAndIcon(QStringLiteral("Title"),
+                                                    QStringLiteral(":/UploadIcon.png")));
+    QCOMPARE(window.title(), QStringLiteral("Title"));
+    QVERIFY(window.find("labelNavigationIcon"));
+    QVERIFY(window.root()->setNavigationTextAndIcon());
+    QCOMPARE(window.title(), QString());
+    QVERIFY(!window.find("labelNavigationIcon"));
+
+    window.root()->ShowLoginOptions();
+    QVERIFY(window.root()->setNavigationTextAndIcon(QStringLiteral("Text "), QString(), true));
+    QCOMPARE(window.text("labelWelcomeTo"), QStringLiteral("Text "));
+    QVERIFY(window.find("cancelNavigationButton"));
+    QVERIFY(window.root()->setNavigationTextAndIcon(QStringLiteral("Text "), QString(), false));
+    QVERIFY(!window.find("cancelNavigationButton"));
+}
+
+void tst_RootViewController::withoutABarTheBarOperationsAreRefused()
+{
+    RootWindow window;
+    window.service.expectHeld("GetServiceTerms", "terms");
+    window.start(); // the start-up window has no bar above it
+    QVERIFY(!window.root()->setNavigationTextAndIcon(QStringLiteral("Text")));
+    QVERIFY(!window.root()->setProgressVisible(true));
+    QVERIFY(!window.root()->progressAnimation(true));
+}
+
+void tst_RootViewController::unvalidatedLoginIsSavedAgain()
+{
+    RootWindow window;
+    window.remember(QStringLiteral("m1"), QStringLiteral("secret"));
+    window.service.expect("ValidateLogin", "0");
+    window.scriptStart();
+    window.service.expect("GetNotificationOptions", "ERROR");
+    window.service.expect("GetCategoryList", "ERROR");
+    window.start();
+    QSignalSpy categories(window.root(), &RootViewController::CategoriesDone);
+    QTRY_VERIFY(window.shown<KavlorKnownUser>());
+    QCOMPARE(window.settings.value(QStringLiteral("UserData.m1/Password")).toString(),
+             QStringLiteral("secret"));
+    QTRY_COMPARE(categories.count(), 1);
+    QVERIFY2(window.service.isDone(), window.service.report());
+    QCOMPARE(window.dialogs.boxes().size(), 0);
+}
+
+void tst_RootViewController::validatedLoginWithOtherTextsIsSaved()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    window.root()->ShowLoginOptions(QStringLiteral("m9"), QStringLiteral("nine"), true);
+    QCOMPARE(window.settings.value(QStringLiteral("UserData.m9/Password")).toString(),
+             QStringLiteral("nine"));
+    QCOMPARE(window.settings.value(QStringLiteral("last/USERID")).toString(), QStringLiteral("m9"));
+    QCOMPARE(window.root()->user()->field(CKavlorUser::Username), QStringLiteral("m9"));
+}
+
+void tst_RootViewController::repliesOfTheRootsOwnRequestsThatAreNotUsableAreIgnored_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::newRow("ERROR") << QByteArray("o\n1,1,1,1\nERROR");
+    QTest::newRow("empty") << QByteArray();
+}
+
+void tst_RootViewController::repliesOfTheRootsOwnRequestsThatAreNotUsableAreIgnored()
+{
+    QFETCH(QByteArray, reply);
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    window.service.expect("GetNotificationOptions", reply);
+    window.service.expect("GetCategoryList", reply);
+    QSignalSpy categories(window.root(), &RootViewController::CategoriesDone);
+    window.root()->ShowLoginOptions(QStringLiteral("m1"), QStringLiteral("secret"), true);
+    QTRY_COMPARE(categories.count(), 1); // said whether usable or not
+    QVERIFY2(window.service.isDone(), window.service.report());
+    QVERIFY(window.shown<KavlorKnownUser>());
+    QCOMPARE(window.dialogs.boxes().size(), 0);
+}
+
+void tst_RootViewController::welcomeSignalShowsTheScreen()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    emit window.root()->WelcomeKavlor(QString(), QString(), false);
+    QTRY_VERIFY(window.shown<FrameWelcomeKavlor>());
+}
+
+void tst_RootViewController::framesFillTheirAreas()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    const auto *bar = window.root()->findChild<QFrame *>(QStringLiteral("navigationBar"));
+    const auto *view = window.root()->findChild<QFrame *>(QStringLiteral("mainView"));
+    for (const QSize size : {QSize(800, 424), QSize(1280, 800), QSize(800, 480)}) {
+        window.root()->resize(size);
+        QTRY_COMPARE(window.root()->size(), size);
+        QCOMPARE(window.shown<NavigationControlableFrame>()->size(), bar->size());
+        QCOMPARE(window.shown<KavlorKnownUser>()->size(), view->size());
+        QCOMPARE(view->width(), size.width());
+        QCOMPARE(view->height() + bar->height(), size.height());
+    }
+}
+
+void tst_RootViewController::dialogsKeepTheirOwnSize()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    auto *view = window.root()->findChild<QFrame *>(QStringLiteral("mainView"));
+    QDialog dialog(view);
+    dialog.resize(321, 123);
+    dialog.show();
+    window.root()->resize(1280, 800);
+    QTRY_COMPARE(view->width(), 1280);
+    QCOMPARE(dialog.size(), QSize(321, 123));
+}
+
+void tst_RootViewController::destructionRemembersTheMember()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    window.settings.remove(QStringLiteral("last"));
+    window.root()->user()->setUserId(17);
+    window.end();
+    QCOMPARE(window.settings.value(QStringLiteral("last/USERID")).toString(), QStringLiteral("m1"));
+    QCOMPARE(window.settings.value(QStringLiteral("UserData.m1/UserID")).toInt(), 17);
+}
+
+void tst_RootViewController::destructionWithARequestInFlight()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    window.service.expectHeld("GetNotificationOptions", "o\n1,1,1,1\n");
+    window.root()->ShowLoginOptions(QStringLiteral("m1"), QStringLiteral("secret"), true);
+    QTRY_VERIFY(window.service.isHolding());
+    window.end();
+    window.service.release();
+}
+
+void tst_RootViewController::nothingOfTheLastScreenStays()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    for (int round = 0; round < 5; ++round) {
+        auto *home = window.shown<KavlorKnownUser>();
+        window.root()->ShowLoginOptions(QStringLiteral("m1"), QStringLiteral("secret"), true);
+        RootViewController::leave(home);
+    }
+    QTRY_COMPARE(window.root()->findChildren<NavigationControlableFrame *>().size(), 1);
+    QTRY_COMPARE(window.root()->findChildren<KavlorKnownUser *>().size(), 1);
+}
+
+KAVLOR_TEST_MAIN(tst_RootViewController)
+#include "tst_rootviewcontroller.moc"
