@@ -4,6 +4,7 @@
 #include "framewelcomekavlor.h"
 #include "httptolvex.h"
 #include "kavlorknownuser.h"
+#include "kavlormyauctionscontroller.h"
 #include "kavlorsettings.h"
 #include "kavlorsplashwindow.h"
 #include "navigationcontrolableframe.h"
@@ -244,7 +245,19 @@ void RootViewController::showNotifications()
 
 void RootViewController::ShowMyKavlorOptions()
 {
-    returnHome();
+    deleteBar();
+    NavigationControlableFrame *bar =
+        makeControlableBar(tr("My kavlor"), QStringLiteral(":/myKavlor.png"));
+    bar->setElementText(NavigationControlableFrame::CancelButton, tr("Cancel"));
+    bar->setElementVisible(false, NavigationControlableFrame::CancelButton);
+    bar->show();
+
+    auto *frame = new CKavlorMyAuctionsController(&m_user, m_ui->mainView);
+    connect(bar, &NavigationControlableFrame::backClicked, frame,
+            &CKavlorMyAuctionsController::backClicked);
+    connect(bar, &NavigationControlableFrame::cancelClicked, frame,
+            &CKavlorMyAuctionsController::cancelClicked);
+    frame->show();
 }
 
 void RootViewController::ShowUploadOptions()

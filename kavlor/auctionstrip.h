@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QPixmap>
+#include <QSize>
+
+struct CAuctionRow;
+
+/** The size of every strip, in pixels. */
+constexpr QSize auctionStripSize(680, 90);
+
+/**
+ * Paints what the list tells of one auction on a transparent ground: its title over the marks for
+ * views, bids, a reserve price that is met, and the sale. The last is always there; its colours
+ * tell whether the auction is over.
+ */
+QPixmap paintAuctionStrip(const CAuctionRow &auction);

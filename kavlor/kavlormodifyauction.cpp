@@ -1,0 +1,79 @@
+#include "kavlormodifyauction.h"
+
+#include "httptolvex.h"
+#include "kavloruser.h"
+#include "ui_kavlormodifyauction.h"
+
+#include <QMessageBox>
+#include <QPointer>
+
+namespace {
+
+// In a window of its own and as plain text, since the service's words are part of it.
+void tell(QMessageBox::Icon icon, const QString &text)
+{
+    QMessageBox box(icon, CKavlorModifyAuction::tr("My kavlor"), text, QMessageBox::Ok);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
+
+} // namespace
+
+CKavlorModifyAuction::CKavlorModifyAuction(CKavlorUser *user, int auctionId,
+                                           const CAuctionRow &auction, QWidget *parent)
+    : QFrame(parent)
+    , m_auctionId(auctionId)
+    , m_auction(auction)
+    , m_user(user)
+    , m_request(new CHttpTolvex(this))
+    , m_ui(std::make_unique<Ui::CKavlorModifyAuction>())
+{
+    m_ui->setupUi(this);
+    connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
+            &CKavlorModifyAuction::requestIsFinished);
+    if (m_auction.finished) {
+        emit done(0, 0, 0);
+        return;
+    }
+
+    if (!m_auction.thumbnail.isNull()) {
+        m_ui->photoThumb->setPixmap(m_auction.thumbnail.scaled(
+            m_ui->photoThumb->size(), Qt::KeepAspectRatio, Qt::FastTransformation));
+    }
+    m_ui->buyItNowPrice->setValue(m_auction.buyItNowPrice);
+    m_ui->reservedPrice->setValue(m_auction.reservePrice);
+    connect(m_ui->done, &QPushButton::clicked, this, &CKavlorModifyAuction::doneClicked);
+    m_ui->reservedPrice->setFocus();
+}
+
+CKavlorModifyAuction::~CKavlorModifyAuction() = default;
+
+void CKavlorModifyAuction::doneClicked()
+{
+    m_newBuyItNow = m_ui->buyItNowPrice->value();
+    m_newReserve = m_ui->reservedPrice->value();
+    // Disabled before the request, which may wait for a connection and even fail in the call.
+    m_ui->done->setEnabled(false);
+    m_request->modifyAuction(m_user->field(CKavlorUser::Username),
+                             m_user->field(CKavlorUser::Password),
+                             static_cast<quint32>(m_auctionId), static_cast<quint32>(m_newReserve),
+                             static_cast<quint32>(m_newBuyItNow));
+}
+
+void CKavlorModifyAuction::requestIsFinished(QString response, QString error)
+{
+    m_ui->done->setEnabled(true);
+    if (!CHttpTolvex::succeeded(response, error)) {
+        tell(QMessageBox::Warning,
+             tr("One or more errors occured while updating auction.\n"
+                "Please find more info below.\n%1\n%2")
+                 .arg(response, error));
+        return;
+    }
+
+    // The list may be left, and this frame with it, while the window is open.
+    const QPointer<CKavlorModifyAuction> self(this);
+    tell(QMessageBox::Information, tr("Your auction has been updated successfully."));
+    if (self)
+        emit done(m_auctionId, m_newReserve, m_newBuyItNow);
+}

@@ -1,0 +1,192 @@
+#include "kavlormyauctionscontroller.h"
+
+#include "auctiondelegate.h"
+#include "httptolvex.h"
+#include "kavlormodifyauction.h"
+#include "kavlormyauctionsmodel.h"
+#include "kavloruser.h"
+#include "rootviewcontroller.h"
+#include "slimscrollbar.h"
+#include "ui_kavlormyauctionscontroller.h"
+
+#include <QHeaderView>
+#include <QMessageBox>
+#include <QScroller>
+#include <QShortcut>
+
+CKavlorMyAuctionsController::CKavlorMyAuctionsController(CKavlorUser *user, QWidget *parent)
+    : QFrame(parent)
+    , m_ui(std::make_unique<Ui::CKavlorMyAuctionsController>())
+    , m_model(new CKavlorMyAuctionsModel(this))
+    , m_user(user)
+    , m_http(new CHttpTolvex(this))
+{
+    m_ui->setupUi(this);
+    prepareTable();
+
+    // Queued, since thumbnails are asked for while painting: a request may wait for a connection,
+    // in an event loop that must not run in the midst of that. For the same reason the list is
+    // fetched when the frame is there and whoever made it has finished.
+    connect(m_model, &CKavlorMyAuctionsModel::requestThumb, this,
+            &CKavlorMyAuctionsController::requestThumbnail, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &CKavlorMyAuctionsController::fetchList, Qt::QueuedConnection);
+
+    connect(m_http, qOverload<QPixmap, QString>(&CHttpTolvex::requestIsFinished), this,
+            qOverload<QPixmap, QString>(&CKavlorMyAuctionsController::requestIsFinished));
+    connect(m_http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
+            qOverload<QString, QString>(&CKavlorMyAuctionsController::requestIsFinished));
+}
+
+CKavlorMyAuctionsController::~CKavlorMyAuctionsController() = default;
+
+void CKavlorMyAuctionsController::prepareTable()
+{
+    QTableView *table = m_ui->myAuctionsTable;
+    table->setItemDelegate(new AuctionDelegate(table));
+    table->hide();
+
+    new SlimScrollBar(table);
+    QScroller::grabGesture(table->viewport(), QScroller::TouchGesture);
+
+    connect(table, &QTableView::clicked, this, &CKavlorMyAuctionsController::auctionClicked);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto *shortcut = new QShortcut(key, table);
+        shortcut->setContext(Qt::WidgetShortcut);
+        connect(shortcut, &QShortcut::activated, this,
+                [this, table] { auctionClicked(table->currentIndex()); });
+    }
+}
+
+void CKavlorMyAuctionsController::fetchList()
+{
+    m_http->getMyAuctions(m_user->field(CKavlorUser::Username),
+                          m_user->field(CKavlorUser::Password));
+}
+
+void CKavlorMyAuctionsController::fetchThumbnail()
+{
+    m_http->getThumbnail(m_user->field(CKavlorUser::Username), m_user->field(CKavlorUser::Password),
+                         m_thumbnailQueue.constFirst());
+}
+
+void CKavlorMyAuctionsController::myAuctions(QString aData)
+{
+    QTableView *table = m_ui->myAuctionsTable;
+    table->hide();
+    m_model->load(aData);
+    if (m_model->rowCount() == 0) {
+        m_ui->labelPleaseWait->setText(tr("There is no data to display."));
+        m_ui->labelPleaseWait->show();
+        return;
+    }
+
+    m_ui->labelPleaseWait->hide();
+    table->setModel(m_model);
+    table->setAlternatingRowColors(true);
+    for (int column = 0; column < m_model->columnCount(); ++column)
+        table->setColumnWidth(column, CKavlorMyAuctionsModel::cellSize(column).width());
+    // All rows have the height of their contents, at a cost that does not grow with their number.
+    table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    table->verticalHeader()->setDefaultSectionSize(
+        CKavlorMyAuctionsModel::cellSize(CKavlorMyAuctionsModel::Info).height());
+    table->show();
+    table->setFocus();
+}
+
+void CKavlorMyAuctionsController::thumbnail(uint aAuctionID, QPixmap aImage)
+{
+    m_model->setThumbnail(aAuctionID, aImage);
+}
+
+void CKavlorMyAuctionsController::requestThumbnail(uint auctionid)
+{
+    m_thumbnailQueue.append(auctionid);
+    if (m_state != Idle)
+        return;
+    m_state = AwaitingThumbnail;
+    fetchThumbnail();
+}
+
+void CKavlorMyAuctionsController::requestIsFinished(QString response, QString error)
+{
+    if (!CHttpTolvex::succeeded(response, error))
+        return;
+    if (m_state == AwaitingList) {
+        m_reply = response;
+        myAuctions(response);
+    } else if (m_state == AwaitingThumbnail) {
+        m_thumbnailQueue.removeFirst();
+    }
+    m_state = Idle;
+}
+
+void CKavlorMyAuctionsController::requestIsFinished(QPixmap aImage, QString error)
+{
+    if (!error.isEmpty() || m_thumbnailQueue.isEmpty() || m_state != AwaitingThumbnail)
+        return;
+    thumbnail(m_thumbnailQueue.takeFirst(), aImage);
+    if (m_thumbnailQueue.isEmpty())
+        m_state = Idle;
+    else
+        fetchThumbnail();
+}
+
+void CKavlorMyAuctionsController::auctionClicked(QModelIndex index)
+{
+    if (!index.isValid() || m_priceFrame)
+        return;
+    const uint id = m_model->auctionId(index.row());
+    const CAuctionRow auction = m_model->auction(id);
+    if (auction.finished) {
+        QMessageBox::information(this, tr("My kavlor"),
+                                 tr("This auction can no longer be changed."), QMessageBox::Ok);
+        return;
+    }
+
+    m_priceFrame = new CKavlorModifyAuction(m_user, static_cast<int>(id), auction, parentWidget());
+    connect(m_priceFrame, &CKavlorModifyAuction::done, this,
+            &CKavlorMyAuctionsController::pricesRenewed);
+    m_priceFrame->show();
+    hide();
+}
+
+void CKavlorMyAuctionsController::pricesRenewed(int auctionId, int reservePrice, int buyItNowPrice)
+{
+    closePriceFrame();
+    m_model->setPrices(static_cast<uint>(auctionId), reservePrice, buyItNowPrice);
+    showList();
+}
+
+void CKavlorMyAuctionsController::backClicked()
+{
+    closePriceFrame();
+    if (RootViewController *root = RootViewController::of(this)) {
+        root->ShowLoginOptions(m_user->field(CKavlorUser::Username),
+                               m_user->field(CKavlorUser::Password), true);
+    }
+    RootViewController::leave(this);
+}
+
+void CKavlorMyAuctionsController::cancelClicked()
+{
+    if (!m_priceFrame) {
+        backClicked();
+        return;
+    }
+    closePriceFrame();
+    showList();
+}
+
+void CKavlorMyAuctionsController::closePriceFrame()
+{
+    // Not deleted at once: it may be its own signal that ends it.
+    if (m_priceFrame)
+        RootViewController::leave(m_priceFrame);
+    m_priceFrame.clear();
+}
+
+void CKavlorMyAuctionsController::showList()
+{
+    show();
+    m_ui->myAuctionsTable->setFocus();
+}

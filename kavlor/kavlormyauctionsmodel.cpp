@@ -1,0 +1,182 @@
+#include "kavlormyauctionsmodel.h"
+
+#include "auctionstrip.h"
+
+#include <QPixmapCache>
+
+namespace {
+
+constexpr QSize thumbnailSize(120, 90);
+constexpr int columns = 2;
+constexpr qsizetype itemsPerLine = 11;
+
+QString thumbnailKey(uint auctionId)
+{
+    return QStringLiteral("auctionid::") + QString::number(auctionId);
+}
+
+QString stripKey(uint auctionId)
+{
+    return QStringLiteral("combined::") + QString::number(auctionId);
+}
+
+QPixmap cacheThumbnail(uint auctionId, const QPixmap &thumbnail)
+{
+    const QPixmap scaled =
+        thumbnail.scaled(thumbnailSize, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    QPixmapCache::insert(thumbnailKey(auctionId), scaled);
+    return scaled;
+}
+
+} // namespace
+
+CKavlorMyAuctionsModel::CKavlorMyAuctionsModel(QObject *parent)
+    : QAbstractTableModel(parent)
+{
+}
+
+QSize CKavlorMyAuctionsModel::cellSize(int column)
+{
+    return column == Thumbnail ? thumbnailSize : auctionStripSize;
+}
+
+bool CKavlorMyAuctionsModel::load(const QString &reply)
+{
+    beginResetModel();
+    m_ids.clear();
+    m_auctions.clear();
+    const QList<QStringView> lines = QStringView(reply).split(QLatin1Char('\n'));
+    // The first line is a header.
+    for (qsizetype i = 1; i < lines.size(); ++i) {
+        if (!appendLine(lines.at(i)))
+            break;
+    }
+    endResetModel();
+    return lines.size() >= 2;
+}
+
+bool CKavlorMyAuctionsModel::appendLine(QStringView line)
+{
+    const QList<QStringView> items = line.split(QLatin1Char(','));
+    if (items.size() < itemsPerLine)
+        return false;
+    const uint id = items.at(0).toUInt();
+    if (id == 0)
+        return false;
+
+    CAuctionRow auction;
+    auction.title = items.at(1).toString();
+    auction.item2 = items.at(2).toInt();
+    auction.reservePrice = items.at(3).toInt();
+    auction.buyItNowPrice = items.at(4).toInt();
+    auction.item5 = items.at(5).toInt();
+    auction.endDate =
+        QDateTime::fromString(items.at(6).toString(), QStringLiteral("MM/dd/yyyy hh:mm"));
+    auction.finished = items.at(7) == QLatin1String("1");
+    auction.views = items.at(8).toInt();
+    auction.bids = items.at(9).toInt();
+    auction.item10 = items.at(10).toInt();
+    // One from an earlier list is kept, so that it can be made again when the cache loses it.
+    auction.noThumbnail = !QPixmapCache::find(thumbnailKey(id), &auction.thumbnail);
+
+    m_ids.insert(static_cast<int>(m_ids.size()), id);
+    m_auctions.insert(id, auction);
+    return true;
+}
+
+void CKavlorMyAuctionsModel::setThumbnail(uint auctionId, const QPixmap &thumbnail)
+{
+    const auto auction = m_auctions.find(auctionId);
+    if (auction == m_auctions.end())
+        return;
+    auction->thumbnail = thumbnail;
+    auction->noThumbnail = false;
+    if (thumbnail.isNull())
+        return;
+    cacheThumbnail(auctionId, thumbnail);
+    // The whole column, since looking for the row would take longer the longer the list is.
+    emit dataChanged(index(0, Thumbnail), index(rowCount() - 1, Thumbnail), {Qt::DecorationRole});
+}
+
+void CKavlorMyAuctionsModel::setPrices(uint auctionId, int reservePrice, int buyItNowPrice)
+{
+    const auto auction = m_auctions.find(auctionId);
+    if (auction == m_auctions.end())
+        return;
+    auction->reservePrice = reservePrice;
+    auction->buyItNowPrice = buyItNowPrice;
+}
+
+uint CKavlorMyAuctionsModel::auctionId(int row) const
+{
+    return m_ids.value(row);
+}
+
+CAuctionRow CKavlorMyAuctionsModel::auction(uint auctionId) const
+{
+    return m_auctions.value(auctionId);
+}
+
+int CKavlorMyAuctionsModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(m_ids.size());
+}
+
+int CKavlorMyAuctionsModel::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : columns;
+}
+
+QVariant CKavlorMyAuctionsModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    if (role == Qt::TextAlignmentRole)
+        return QVariant::fromValue(Qt::Alignment(Qt::AlignLeft | Qt::AlignVCenter));
+    if (role != Qt::DecorationRole)
+        return {};
+    const uint id = auctionId(index.row());
+    if (index.column() == Thumbnail)
+        return thumbnail(id);
+    return strip(id);
+}
+
+QVariant CKavlorMyAuctionsModel::headerData(int section, Qt::Orientation orientation,
+                                            int role) const
+{
+    if (role != Qt::DisplayRole || orientation != Qt::Horizontal)
+        return {};
+    switch (section) {
+    case Thumbnail:
+        return tr("Thumbnail");
+    case Info:
+        return tr("Info");
+    default:
+        return {};
+    }
+}
+
+QVariant CKavlorMyAuctionsModel::thumbnail(uint auctionId) const
+{
+    const auto auction = m_auctions.constFind(auctionId);
+    if (auction->noThumbnail) {
+        emit requestThumb(auctionId);
+        return {};
+    }
+    QPixmap cached;
+    if (QPixmapCache::find(thumbnailKey(auctionId), &cached))
+        return cached;
+    if (auction->thumbnail.isNull())
+        return {};
+    return cacheThumbnail(auctionId, auction->thumbnail);
+}
+
+QPixmap CKavlorMyAuctionsModel::strip(uint auctionId) const
+{
+    QPixmap picture;
+    if (!QPixmapCache::find(stripKey(auctionId), &picture)) {
+        picture = paintAuctionStrip(*m_auctions.constFind(auctionId));
+        QPixmapCache::insert(stripKey(auctionId), picture);
+    }
+    return picture;
+}
