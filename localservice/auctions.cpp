@@ -113,9 +113,7 @@ void alertSeller(Database::Session &session, const Auctions::Auction &auction, c
         return;
     MailOutbox::send(session, seller.value(0).toString(), subject,
                      QStringLiteral("Hello %1,\n\n%2\n\nAuction %3: %4\n")
-                         .arg(auction.seller, text)
-                         .arg(auction.id)
-                         .arg(auction.title));
+                         .arg(auction.seller, text, QString::number(auction.id), auction.title));
 }
 
 void sell(Database::Session &session, const Auctions::Auction &auction,
@@ -127,8 +125,7 @@ void sell(Database::Session &session, const Auctions::Auction &auction,
         {price, buyer.name + QStringLiteral(" <") + buyer.email + QLatin1Char('>'), auction.id});
     alertSeller(session, auction, "notify_end", QStringLiteral("Your auction is won"),
                 QStringLiteral("your auction is won: %1 (%2) buys it for USD %3.")
-                    .arg(buyer.name, buyer.email)
-                    .arg(price));
+                    .arg(buyer.name, buyer.email, QString::number(price)));
 }
 
 void endUnsold(Database::Session &session, const Auctions::Auction &auction)
@@ -318,8 +315,9 @@ QString Auctions::bid(qint64 id, const Buyer &buyer, qint64 amount)
         QStringLiteral(
             "INSERT INTO bids (auction, bidder, email, amount, placed) VALUES (?, ?, ?, ?, ?)"),
         {id, buyer.name, buyer.email, amount, now()});
-    alertSeller(session, found, "notify_bid", QStringLiteral("A bid on your auction"),
-                QStringLiteral("%1 bids USD %2 on your auction.").arg(buyer.name).arg(amount));
+    alertSeller(
+        session, found, "notify_bid", QStringLiteral("A bid on your auction"),
+        QStringLiteral("%1 bids USD %2 on your auction.").arg(buyer.name, QString::number(amount)));
     return session.commit() ? QString() : notStored();
 }
 
@@ -334,6 +332,7 @@ QString Auctions::buyNow(qint64 id, const Buyer &buyer)
     if (!wrong.isEmpty())
         return wrong;
     sell(session, found, buyer, found.buyPrice);
+    session.run(QStringLiteral("UPDATE auctions SET ends = ? WHERE id = ?"), {now(), id});
     return session.commit() ? QString() : notStored();
 }
 

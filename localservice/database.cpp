@@ -40,6 +40,13 @@ const char *const tables[] = {
     " expires INTEGER NOT NULL)",
 };
 
+// A text that was never set would travel as NULL, which no column of ours takes.
+QVariant bindable(const QVariant &value)
+{
+    const bool isText = value.metaType() == QMetaType::fromType<QString>();
+    return isText && value.toString().isNull() ? QVariant(QStringLiteral("")) : value;
+}
+
 } // namespace
 
 Database::Database(const QString &path)
@@ -100,7 +107,7 @@ QSqlQuery Database::Session::run(const QString &statement, const QVariantList &v
     query.setForwardOnly(true);
     bool ran = query.prepare(statement);
     for (const QVariant &value : values)
-        query.addBindValue(value);
+        query.addBindValue(bindable(value));
     ran = ran && query.exec();
     if (!ran) {
         qWarning("%s: %s", qPrintable(statement), qPrintable(query.lastError().text()));

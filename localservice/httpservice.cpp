@@ -54,6 +54,23 @@ bool readBody(const httplib::ContentReader &reader,
     });
 }
 
+// A form's body, or why it cannot be taken.
+Result<QByteArray> readWhole(const httplib::ContentReader &reader)
+{
+    QByteArray body;
+    bool isTooLong = false;
+    const bool isWhole = readBody(reader, [&](const QByteArray &bytes) {
+        isTooLong = isTooLong || body.size() + bytes.size() > maxFormBytes;
+        if (!isTooLong)
+            body.append(bytes);
+    });
+    if (isTooLong)
+        return Result<QByteArray>::failed(QStringLiteral("the request is too long"));
+    if (!isWhole)
+        return Result<QByteArray>::failed(QStringLiteral("the request was cut short"));
+    return {body, {}};
+}
+
 void sendFile(const QString &path, const QByteArray &type, httplib::Response &response)
 {
     const auto file = std::make_shared<QFile>(path);
@@ -71,19 +88,56 @@ void sendFile(const QString &path, const QByteArray &type, httplib::Response &re
         });
 }
 
+WebSite::Request siteRequest(const httplib::Request &request)
+{
+    WebSite::Request asked;
+    asked.method = QByteArray::fromStdString(request.method);
+    asked.path = QString::fromStdString(request.path);
+    for (const auto &parameter : request.params)
+        asked.query.set(QString::fromStdString(parameter.first),
+                        QString::fromStdString(parameter.second));
+    asked.cookies = header(request, "Cookie");
+    asked.host = header(request, "Host");
+    asked.origin = header(request, "Origin");
+    return asked;
+}
+
+void sendSiteReply(const WebSite::Reply &reply, httplib::Response &response)
+{
+    response.set_header(
+        "Content-Security-Policy",
+        "default-src 'self'; script-src 'none'; object-src 'none'; base-uri 'none'; "
+        "style-src 'unsafe-inline'; form-action 'self'; frame-ancestors 'none'");
+    response.set_header("X-Content-Type-Options", "nosniff");
+    response.set_header("Referrer-Policy", "same-origin");
+    response.set_header("Cache-Control", "no-store");
+    response.status = reply.status;
+    if (!reply.cookie.isEmpty())
+        response.set_header("Set-Cookie", reply.cookie.toStdString());
+    if (!reply.location.isEmpty())
+        response.set_redirect(reply.location.toStdString(), reply.status);
+    else if (!reply.file.isEmpty())
+        sendFile(reply.file, reply.type, response);
+    else
+        response.set_content(reply.body.constData(), size_t(reply.body.size()),
+                             reply.type.toStdString());
+}
+
 } // namespace
 
 HttpService::HttpService(Accounts &accounts, Auctions &auctions, Operations &operations,
-                         const DataFolder &folder, qint64 maxMediaBytes)
+                         WebSite &site, const DataFolder &folder, qint64 maxMediaBytes)
     : m_accounts(accounts)
     , m_auctions(auctions)
     , m_operations(operations)
+    , m_site(site)
     , m_folder(folder)
     , m_maxMediaBytes(maxMediaBytes)
     , m_server(std::make_unique<httplib::Server>())
 {
     prepareServer();
     addOperations();
+    addWebSite();
 }
 
 HttpService::~HttpService() = default;
@@ -123,21 +177,37 @@ void HttpService::answerOperation(const httplib::Request &request, httplib::Resp
         sendFile(reply.file, reply.type, response);
 }
 
+void HttpService::addWebSite()
+{
+    m_server->Get(".*", [this](const httplib::Request &request, httplib::Response &response) {
+        sendSiteReply(m_site.answer(siteRequest(request)), response);
+    });
+    m_server->Post(
+        ".*",
+        [this](const httplib::Request &request, httplib::Response &response,
+               const httplib::ContentReader &reader) { answerPost(request, response, reader); });
+}
+
+void HttpService::answerPost(const httplib::Request &request, httplib::Response &response,
+                             const httplib::ContentReader &reader)
+{
+    const Result<QByteArray> body = readWhole(reader);
+    if (!body.isOk()) {
+        response.status = 400;
+        return;
+    }
+    WebSite::Request asked = siteRequest(request);
+    asked.form = FormBody::fromUrlEncoded(body.value);
+    sendSiteReply(m_site.answer(asked), response);
+}
+
 Operations::Reply HttpService::readForm(const QString &operation,
                                         const httplib::ContentReader &reader)
 {
-    QByteArray body;
-    bool isTooLong = false;
-    const bool isWhole = readBody(reader, [&](const QByteArray &bytes) {
-        isTooLong = isTooLong || body.size() + bytes.size() > maxFormBytes;
-        if (!isTooLong)
-            body.append(bytes);
-    });
-    if (isTooLong)
-        return Operations::refusal(QStringLiteral("the request is too long"));
-    if (!isWhole)
-        return Operations::refusal(QStringLiteral("the request was cut short"));
-    return m_operations.answer(operation, FormBody::fromUrlEncoded(body));
+    const Result<QByteArray> body = readWhole(reader);
+    if (!body.isOk())
+        return Operations::refusal(body.error);
+    return m_operations.answer(operation, FormBody::fromUrlEncoded(body.value));
 }
 
 Operations::Reply HttpService::readUpload(const httplib::Request &request,

@@ -4,6 +4,7 @@
 #include "auctions.h"
 #include "datafolder.h"
 #include "operations.h"
+#include "website.h"
 
 #include <functional>
 #include <memory>
@@ -25,7 +26,7 @@ struct Response;
 class HttpService
 {
 public:
-    HttpService(Accounts &accounts, Auctions &auctions, Operations &operations,
+    HttpService(Accounts &accounts, Auctions &auctions, Operations &operations, WebSite &site,
                 const DataFolder &folder, qint64 maxMediaBytes);
     ~HttpService();
 
@@ -40,15 +41,19 @@ public:
 private:
     void prepareServer();
     void addOperations();
+    void addWebSite();
     void answerOperation(const httplib::Request &request, httplib::Response &response,
                          const httplib::ContentReader &reader);
     Operations::Reply readForm(const QString &operation, const httplib::ContentReader &reader);
     Operations::Reply readUpload(const httplib::Request &request,
                                  const httplib::ContentReader &reader);
+    void answerPost(const httplib::Request &request, httplib::Response &response,
+                    const httplib::ContentReader &reader);
 
     Accounts &m_accounts;
     Auctions &m_auctions;
     Operations &m_operations;
+    WebSite &m_site;
     const DataFolder &m_folder;
     qint64 m_maxMediaBytes;
     std::unique_ptr<httplib::Server> m_server;

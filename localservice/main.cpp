@@ -3,10 +3,13 @@
 #include "database.h"
 #include "datafolder.h"
 #include "httpservice.h"
+#include "mailoutbox.h"
 #include "operations.h"
 #include "options.h"
 #include "passwords.h"
 #include "pictures.h"
+#include "seed.h"
+#include "website.h"
 
 #include <QCoreApplication>
 
@@ -36,15 +39,17 @@ sigset_t blockEndSignals()
     return endSignals;
 }
 
-void serveUntil(HttpService &service, const sigset_t &endSignals, int port)
+// Auctions end in time even while nobody asks for them, so that sellers get their mails.
+void serveUntil(HttpService &service, Auctions &auctions, const sigset_t &endSignals, int port)
 {
     std::thread server([&service] { service.run(); });
     while (!service.isRunning())
         std::this_thread::yield();
     std::printf("kavlor-localservice: listening on 127.0.0.1:%d\n", port);
     std::fflush(stdout);
-    int received = 0;
-    sigwait(&endSignals, &received);
+    const timespec pause{20, 0};
+    while (sigtimedwait(&endSignals, nullptr, &pause) < 0)
+        auctions.endDue();
     service.stop();
     server.join();
 }
@@ -81,12 +86,19 @@ int main(int argc, char *argv[])
     Auctions auctions(database);
     Pictures pictures(folder);
     Operations operations(accounts, auctions, pictures, folder);
+    MailOutbox outbox(database);
+    WebSite site(accounts, auctions, outbox, pictures, folder);
     folder.removeLeftovers(auctions.allMedia());
+    if (options.seed) {
+        const QString seedError = Seed(database, accounts, auctions, folder).plant();
+        if (!seedError.isEmpty())
+            return fail(CannotServe, seedError);
+    }
 
-    HttpService service(accounts, auctions, operations, folder, options.maxMediaBytes);
+    HttpService service(accounts, auctions, operations, site, folder, options.maxMediaBytes);
     const int port = service.bind(options.port);
     if (port == 0)
         return fail(CannotServe, QStringLiteral("port %1 is in use").arg(options.port));
-    serveUntil(service, endSignals, port);
+    serveUntil(service, auctions, endSignals, port);
     return Ended;
 }

@@ -1,0 +1,396 @@
+#include "pagewriter.h"
+
+#include "categories.h"
+#include "mediatypes.h"
+
+#include <QLocale>
+
+namespace {
+
+const char *const styleSheet = R"(
+*{box-sizing:border-box}
+body{margin:0;background:#f2f4f6;color:#25313c;font:16px/1.5 "DejaVu Sans",Verdana,sans-serif}
+a{color:#1d7a38}
+header{background:linear-gradient(#3fa357,#23753b);color:#fff}
+header>div,main,footer{max-width:1080px;margin:0 auto;padding:0 20px}
+header>div{display:flex;align-items:center;gap:28px;min-height:60px;flex-wrap:wrap}
+header a{color:#fff;text-decoration:none}
+header a:hover{text-decoration:underline}
+header .brand{font-size:24px;font-weight:bold;letter-spacing:.5px}
+main{padding-top:24px;padding-bottom:48px}
+h1{font-size:26px;line-height:1.25;margin:0 0 4px;overflow-wrap:anywhere}
+h2{font-size:18px;margin:32px 0 12px}
+p{margin:0 0 16px}
+.panel>:first-child{margin-top:0}
+.panel>:last-child{margin-bottom:0}
+.muted,footer{color:#66737f;font-size:14px}
+.panel{background:#fff;border:1px solid #dde2e7;border-radius:8px;padding:20px;margin-bottom:20px}
+.cards{display:grid;grid-template-columns:repeat(auto-fill,minmax(240px,1fr));gap:20px}
+.card{background:#fff;border:1px solid #dde2e7;border-radius:8px;overflow:hidden;display:flex;
+flex-direction:column;color:inherit;text-decoration:none}
+.card:hover{border-color:#3fa357;box-shadow:0 2px 10px rgba(30,60,40,.16)}
+.card img{width:100%;aspect-ratio:4/3;object-fit:cover;display:block;background:#e4e8ec}
+.card .text{padding:12px 14px 14px;display:flex;flex-direction:column;flex:1;gap:6px}
+.card .title{font-weight:bold;color:#b25e00;overflow-wrap:anywhere}
+.card .badge{align-self:flex-start}
+.card .foot{display:flex;justify-content:space-between;margin-top:auto;padding-top:6px;
+border-top:1px solid #edf0f2}
+.price{font-size:20px;font-weight:bold}
+.badge{display:inline-block;border-radius:11px;padding:1px 10px;font-size:13px;font-weight:bold;
+background:#e2e7ec;color:#44515d}
+.badge.good{background:#dcf2e1;color:#17642d}
+.badge.sold{background:#fbe3c4;color:#8a4a00}
+.columns{display:grid;grid-template-columns:minmax(0,3fr) minmax(280px,2fr);gap:20px;
+align-items:start}
+@media(max-width:800px){.columns{grid-template-columns:1fr}}
+.media{padding:0;overflow:hidden}
+.media img,.media video{display:block;width:100%;max-height:620px;object-fit:contain;
+background:#1d242b}
+.description{white-space:pre-line;overflow-wrap:anywhere}
+label{display:block;font-size:14px;font-weight:bold;margin:10px 0 3px}
+input,textarea{width:100%;padding:9px 10px;font:inherit;border:1px solid #b9c2ca;border-radius:5px;
+background:#fff;color:inherit}
+input:focus,textarea:focus{outline:2px solid #3fa357;border-color:#3fa357}
+button{margin-top:14px;padding:10px 22px;font:inherit;font-weight:bold;color:#fff;cursor:pointer;
+background:linear-gradient(#46ab5e,#267a3f);border:1px solid #1f6b36;border-radius:5px}
+button:hover{color:#ffee9b}
+table{border-collapse:collapse;width:100%}
+td,th{text-align:left;padding:6px 8px;border-bottom:1px solid #edf0f2;overflow-wrap:anywhere}
+td.number,th.number{text-align:right}
+.notice{border-radius:6px;padding:11px 16px;margin-bottom:20px;background:#dcf2e1;
+border:1px solid #9cd3ab;color:#17552a}
+.notice.error{background:#fbe4e0;border-color:#e6ada3;color:#8c2415}
+.narrow{max-width:520px;margin-left:auto;margin-right:auto}
+.mail pre{white-space:pre-wrap;overflow-wrap:anywhere;font:15px/1.5 "DejaVu Sans Mono",monospace;
+margin:10px 0 0}
+)";
+
+QString usd(qint64 amount)
+{
+    return QStringLiteral("USD ") + QLocale(QLocale::English).toString(amount);
+}
+
+QString counted(qint64 count, const char *noun)
+{
+    return QString::number(count) + QLatin1Char(' ') + QLatin1String(noun)
+        + (count == 1 ? QString() : QStringLiteral("s"));
+}
+
+QString timeLeft(const QDateTime &ends)
+{
+    const qint64 minutes = QDateTime::currentDateTime().secsTo(ends) / 60;
+    const qint64 hours = minutes / 60;
+    const qint64 days = hours / 24;
+    if (days > 0)
+        return counted(days, "day") + QLatin1Char(' ') + counted(hours % 24, "hour");
+    if (hours > 0)
+        return counted(hours, "hour") + QLatin1Char(' ') + counted(minutes % 60, "minute");
+    return minutes > 0 ? counted(minutes, "minute") : QStringLiteral("less than a minute");
+}
+
+QString timeText(const QDateTime &ends, Auctions::State state)
+{
+    return state == Auctions::Running ? timeLeft(ends) + QStringLiteral(" left")
+                                      : QStringLiteral("ended");
+}
+
+QString badges(const Auctions::Auction &auction)
+{
+    if (auction.state == Auctions::Sold)
+        return QStringLiteral("<span class=\"badge sold\">Sold</span>");
+    if (auction.state == Auctions::Unsold)
+        return QStringLiteral("<span class=\"badge\">Ended without a sale</span>");
+    if (auction.isReserveMet())
+        return QStringLiteral("<span class=\"badge good\">Reserve met</span>");
+    if (auction.reservePrice > 0)
+        return QStringLiteral("<span class=\"badge\">Reserve not met</span>");
+    return {};
+}
+
+QString priceLabel(const Auctions::Auction &auction)
+{
+    if (auction.state == Auctions::Sold)
+        return QStringLiteral("Sold for");
+    return auction.highestBid > 0 ? QStringLiteral("Highest bid") : QStringLiteral("Start price");
+}
+
+QString price(const Auctions::Auction &auction)
+{
+    return usd(auction.currentPrice() > 0 ? auction.currentPrice() : auction.startPrice);
+}
+
+QString card(const Auctions::Auction &auction)
+{
+    const QString buyNow = auction.isBuyable()
+        ? QStringLiteral("<span class=\"muted\">Buy it now: %1</span>").arg(usd(auction.buyPrice))
+        : QString();
+    return QStringLiteral(
+               R"(<a class="card" href="/auction?id=%1"><img src="/thumbnail?id=%1" alt="">
+<span class="text"><span class="title">%2</span><span class="muted">%3</span>
+<span><span class="muted">%4</span> <span class="price">%5</span></span>%6 %7
+<span class="foot muted"><span>%8</span><span>%9</span></span></span></a>
+)")
+        .arg(QString::number(auction.id), auction.title.toHtmlEscaped(),
+             categoryPath(auction.category).toHtmlEscaped(), priceLabel(auction), price(auction),
+             buyNow, badges(auction), counted(auction.bids, "bid"),
+             timeText(auction.ends, auction.state));
+}
+
+QString cards(const QList<Auctions::Auction> &auctions)
+{
+    QString all = QStringLiteral("<div class=\"cards\">\n");
+    for (const Auctions::Auction &auction : auctions)
+        all += card(auction);
+    return all + QStringLiteral("</div>\n");
+}
+
+QString noticeBox(const PageWriter::Notice &notice)
+{
+    if (notice.text.isEmpty())
+        return {};
+    return QStringLiteral("<p class=\"notice%1\" id=\"notice\" role=\"status\">%2</p>\n")
+        .arg(notice.isError ? QStringLiteral(" error") : QString(), notice.text.toHtmlEscaped());
+}
+
+// A labelled line to type into.
+QString input(const QString &id, const QString &label, const QString &attributes,
+              const QString &value = {})
+{
+    return QStringLiteral(
+               "<label for=\"%1\">%2</label>\n<input id=\"%1\" %3 value=\"%4\" required>\n")
+        .arg(id, label, attributes, value.toHtmlEscaped());
+}
+
+QString visitorInputs(const QString &form, const FormBody &typed)
+{
+    return input(form + QStringLiteral("-name"), QStringLiteral("Your name"),
+                 QStringLiteral("name=\"name\" maxlength=\"100\" autocomplete=\"name\""),
+                 typed.text(QStringLiteral("name")))
+        + input(form + QStringLiteral("-email"), QStringLiteral("Your e-mail address"),
+                QStringLiteral(
+                    "name=\"email\" type=\"email\" maxlength=\"80\" autocomplete=\"email\""),
+                typed.text(QStringLiteral("email")));
+}
+
+QString auctionInput(const Auctions::Auction &auction)
+{
+    return QStringLiteral("<input type=\"hidden\" name=\"id\" value=\"%1\">\n").arg(auction.id);
+}
+
+QString button(const QString &id, const QString &text)
+{
+    return QStringLiteral("<button id=\"%1\" type=\"submit\">%2</button>\n</form>\n").arg(id, text);
+}
+
+QString mediaPanel(const Auctions::Auction &auction)
+{
+    const QString id = QString::number(auction.id);
+    const QString shown = isVideo(auction.media)
+        ? QStringLiteral("<video controls preload=\"none\" poster=\"/thumbnail?id=%1&amp;large=1\" "
+                         "src=\"/media?id=%1\"></video>")
+        : QStringLiteral("<a href=\"/media?id=%1\"><img src=\"/thumbnail?id=%1&amp;large=1\" "
+                         "alt=\"The photo on auction\"></a>");
+    return QStringLiteral("<div class=\"panel media\">%1</div>\n").arg(shown.arg(id));
+}
+
+QString factsPanel(const Auctions::Auction &auction)
+{
+    return QStringLiteral(R"(<div class="panel"><div class="muted">%1</div>
+<div class="price" id="price">%2</div><div>%3</div>
+<p class="muted"><span id="bids">%4</span> &middot; <span id="views">%5</span> &middot; %6</p></div>
+)")
+        .arg(priceLabel(auction), price(auction), badges(auction), counted(auction.bids, "bid"),
+             counted(auction.views, "view"), timeText(auction.ends, auction.state));
+}
+
+QString bidTable(const QList<Auctions::Bid> &bids)
+{
+    if (bids.isEmpty())
+        return {};
+    QString rows;
+    for (const Auctions::Bid &bid : bids) {
+        rows += QStringLiteral("<tr><td>%1</td><td>%2</td><td class=\"number\">%3</td></tr>\n")
+                    .arg(bid.bidder.toHtmlEscaped(),
+                         bid.placed.toString(QStringLiteral("yyyy-MM-dd hh:mm")), usd(bid.amount));
+    }
+    return QStringLiteral("<div class=\"panel\"><h2>Bids</h2><table>"
+                          "<tr><th>Bidder</th><th>Time</th><th class=\"number\">Bid</th></tr>\n%1"
+                          "</table></div>\n")
+        .arg(rows);
+}
+
+// A line that is nothing but a link into this site can be clicked.
+QString mailText(const QString &body, const QString &ownAddress)
+{
+    QStringList lines = body.split(QLatin1Char('\n'));
+    for (QString &line : lines) {
+        const bool isLink = line.startsWith(ownAddress);
+        line = line.toHtmlEscaped();
+        if (isLink)
+            line = QStringLiteral("<a href=\"%1\">%1</a>").arg(line);
+    }
+    return lines.join(QLatin1Char('\n'));
+}
+
+QByteArray page(const QString &title, const QString &content)
+{
+    const QString text = QStringLiteral(R"(<!DOCTYPE html>
+<html lang="en"><head><meta charset="utf-8"><title>%1 - kavlor</title>
+<meta name="viewport" content="width=device-width, initial-scale=1">
+<style>%2</style></head>
+<body><header><div><a class="brand" href="/">kavlor</a><a href="/">Auctions</a>
+<a href="/outbox">Mails</a></div></header>
+<main>
+%3</main>
+</body></html>
+)")
+                             .arg(title.toHtmlEscaped(), QLatin1String(styleSheet), content);
+    return text.toUtf8();
+}
+
+} // namespace
+
+PageWriter::PageWriter(const QByteArray &formToken)
+    : m_token(QString::fromLatin1(formToken))
+{
+}
+
+QByteArray PageWriter::auctions(const QList<Auctions::Auction> &onSale,
+                                const QList<Auctions::Auction> &ended) const
+{
+    QString content =
+        QStringLiteral("<h1>Photos and clips on auction</h1>\n"
+                       "<p class=\"muted\">Taken by our members. Prices are in whole US "
+                       "dollars.</p>\n");
+    content += onSale.isEmpty()
+        ? QStringLiteral("<p class=\"panel\">Nothing is on auction at the moment.</p>\n")
+        : cards(onSale);
+    if (!ended.isEmpty())
+        content += QStringLiteral("<h2>Ended lately</h2>\n") + cards(ended);
+    return page(QStringLiteral("Auctions"), content);
+}
+
+QByteArray PageWriter::auction(const Auctions::Auction &auction, const QList<Auctions::Bid> &bids,
+                               const Notice &notice, const FormBody &typed) const
+{
+    const QString description = auction.description.isEmpty()
+        ? QString()
+        : QStringLiteral("<div class=\"panel description\">%1</div>\n")
+              .arg(auction.description.toHtmlEscaped());
+    QString forms;
+    if (auction.state == Auctions::Running)
+        forms += bidForm(auction, typed);
+    if (auction.isBuyable())
+        forms += buyForm(auction, typed);
+    const QString content =
+        QStringLiteral("%1<h1>%2</h1>\n<p class=\"muted\">%3 &middot; offered by %4</p>\n"
+                       "<div class=\"columns\"><div>\n%5%6%7%8</div><div>\n%9</div></div>\n")
+            .arg(noticeBox(notice), auction.title.toHtmlEscaped(),
+                 categoryPath(auction.category).toHtmlEscaped(), auction.seller.toHtmlEscaped(),
+                 mediaPanel(auction), description, bidTable(bids), questionForm(auction, typed),
+                 factsPanel(auction) + forms);
+    return page(auction.title, content);
+}
+
+QString PageWriter::formStart(const QString &action) const
+{
+    return QStringLiteral("<form method=\"post\" action=\"%1\">\n"
+                          "<input type=\"hidden\" name=\"token\" value=\"%2\">\n")
+        .arg(action, m_token);
+}
+
+QString PageWriter::bidForm(const Auctions::Auction &auction, const FormBody &typed) const
+{
+    const QString amount =
+        QStringLiteral("name=\"amount\" type=\"number\" min=\"%1\" max=\"%2\" step=\"1\"")
+            .arg(auction.lowestNextBid())
+            .arg(Auctions::maxPrice);
+    return QStringLiteral("<div class=\"panel\"><strong>Place a bid</strong>\n")
+        + formStart(QStringLiteral("/auction/bid")) + auctionInput(auction)
+        + visitorInputs(QStringLiteral("bid"), typed)
+        + input(QStringLiteral("bid-amount"),
+                QStringLiteral("Your bid, at least %1").arg(usd(auction.lowestNextBid())), amount,
+                typed.text(QStringLiteral("amount")))
+        + button(QStringLiteral("bid-submit"), QStringLiteral("Place bid"))
+        + QStringLiteral("</div>\n");
+}
+
+QString PageWriter::buyForm(const Auctions::Auction &auction, const FormBody &typed) const
+{
+    return QStringLiteral("<div class=\"panel\"><strong>Buy it now for %1</strong>\n")
+               .arg(usd(auction.buyPrice))
+        + formStart(QStringLiteral("/auction/buy")) + auctionInput(auction)
+        + visitorInputs(QStringLiteral("buy"), typed)
+        + button(QStringLiteral("buy-submit"), QStringLiteral("Buy it now"))
+        + QStringLiteral("</div>\n");
+}
+
+QString PageWriter::questionForm(const Auctions::Auction &auction, const FormBody &typed) const
+{
+    return QStringLiteral("<div class=\"panel\"><strong>Ask the seller a question</strong>\n")
+        + formStart(QStringLiteral("/auction/question")) + auctionInput(auction)
+        + visitorInputs(QStringLiteral("ask"), typed)
+        + QStringLiteral("<label for=\"ask-text\">Your question</label>\n<textarea id=\"ask-text\" "
+                         "name=\"question\" rows=\"3\" maxlength=\"2000\" required>%1</textarea>\n")
+              .arg(typed.text(QStringLiteral("question")).toHtmlEscaped())
+        + button(QStringLiteral("ask-submit"), QStringLiteral("Send question"))
+        + QStringLiteral("</div>\n");
+}
+
+QByteArray PageWriter::outbox(const QList<MailOutbox::Mail> &mails, const QString &ownAddress) const
+{
+    QString content =
+        QStringLiteral("<h1>Mails</h1>\n<p class=\"muted\">What the service would have "
+                       "sent, the newest first.</p>\n");
+    if (mails.isEmpty())
+        content += QStringLiteral("<p class=\"panel\">No mail has been written yet.</p>\n");
+    for (const MailOutbox::Mail &mail : mails) {
+        content +=
+            QStringLiteral("<div class=\"panel mail\"><strong>%1</strong>\n"
+                           "<div class=\"muted\">To %2 &middot; %3</div>\n<pre>%4</pre></div>\n")
+                .arg(mail.subject.toHtmlEscaped(), mail.recipient.toHtmlEscaped(),
+                     mail.written.toString(QStringLiteral("yyyy-MM-dd hh:mm")),
+                     mailText(mail.body, ownAddress));
+    }
+    return page(QStringLiteral("Mails"), content);
+}
+
+QByteArray PageWriter::forgottenPassword(const Notice &notice) const
+{
+    const QString content =
+        QStringLiteral("<div class=\"narrow\">%1<div class=\"panel\">\n"
+                       "<h1>Forgotten your password?</h1>\n<p>We mail you a link with which you "
+                       "choose a new one.</p>\n%2%3%4</div></div>\n")
+            .arg(noticeBox(notice), formStart(QStringLiteral("/index.php?do=forgotpass")),
+                 input(
+                     QStringLiteral("member"), QStringLiteral("User name or e-mail address"),
+                     QStringLiteral("name=\"member\" maxlength=\"100\" autocomplete=\"username\"")),
+                 button(QStringLiteral("member-submit"), QStringLiteral("Send me the link")));
+    return page(QStringLiteral("Forgotten password"), content);
+}
+
+QByteArray PageWriter::newPassword(const QByteArray &secret, const Notice &notice) const
+{
+    const QString attributes = QStringLiteral(
+        "name=\"%1\" type=\"password\" maxlength=\"100\" autocomplete=\"new-password\"");
+    const QString content =
+        QStringLiteral(
+            "<div class=\"narrow\">%1<div class=\"panel\">\n<h1>Choose a new password</h1>\n"
+            "%2<input type=\"hidden\" name=\"secret\" value=\"%3\">\n%4%5%6</div></div>\n")
+            .arg(noticeBox(notice), formStart(QStringLiteral("/index.php?do=newpass")),
+                 QString::fromLatin1(secret).toHtmlEscaped(),
+                 input(QStringLiteral("password1"), QStringLiteral("New password"),
+                       attributes.arg(QStringLiteral("password1"))),
+                 input(QStringLiteral("password2"), QStringLiteral("The same again"),
+                       attributes.arg(QStringLiteral("password2"))),
+                 button(QStringLiteral("password-submit"), QStringLiteral("Set password")));
+    return page(QStringLiteral("New password"), content);
+}
+
+QByteArray PageWriter::message(const QString &title, const QString &text) const
+{
+    return page(title,
+                QStringLiteral("<div class=\"panel narrow\"><h1>%1</h1><p id=\"message\">%2</p>"
+                               "<p><a href=\"/\">To the auctions</a></p></div>\n")
+                    .arg(title.toHtmlEscaped(), text.toHtmlEscaped()));
+}

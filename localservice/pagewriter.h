@@ -1,0 +1,44 @@
+#pragma once
+
+#include "auctions.h"
+#include "formbody.h"
+#include "mailoutbox.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+/**
+ * Writes the pages of the web site: plain HTML without scripts, every text of a member or visitor
+ * escaped. A form carries the visitor's token, and what was typed when it comes back.
+ */
+class PageWriter
+{
+public:
+    /** What a page says about the request that led to it; an empty text says nothing. */
+    struct Notice
+    {
+        QString text;
+        bool isError = false;
+    };
+
+    explicit PageWriter(const QByteArray &formToken);
+
+    QByteArray auctions(const QList<Auctions::Auction> &onSale,
+                        const QList<Auctions::Auction> &ended) const;
+    QByteArray auction(const Auctions::Auction &auction, const QList<Auctions::Bid> &bids,
+                       const Notice &notice, const FormBody &typed) const;
+    /** Links in the mails that begin with @p ownAddress can be clicked. */
+    QByteArray outbox(const QList<MailOutbox::Mail> &mails, const QString &ownAddress) const;
+    QByteArray forgottenPassword(const Notice &notice) const;
+    QByteArray newPassword(const QByteArray &secret, const Notice &notice) const;
+    QByteArray message(const QString &title, const QString &text) const;
+
+private:
+    QString bidForm(const Auctions::Auction &auction, const FormBody &typed) const;
+    QString buyForm(const Auctions::Auction &auction, const FormBody &typed) const;
+    QString questionForm(const Auctions::Auction &auction, const FormBody &typed) const;
+    QString formStart(const QString &action) const;
+
+    QString m_token;
+};

@@ -1,0 +1,256 @@
+#include "website.h"
+
+#include "mediatypes.h"
+#include "pagewriter.h"
+
+#include <QHash>
+
+#include <limits>
+
+namespace {
+
+constexpr int cardEdge = 480;
+constexpr int largeEdge = 1200;
+constexpr int endedShown = 12;
+constexpr int mailsShown = 100;
+
+qint64 idIn(const FormBody &form)
+{
+    return form.number(QStringLiteral("id"), std::numeric_limits<qint32>::max());
+}
+
+Auctions::Buyer buyerIn(const FormBody &form)
+{
+    return {form.text(QStringLiteral("name")).simplified(),
+            form.text(QStringLiteral("email")).trimmed()};
+}
+
+WebSite::Reply page(const QByteArray &body, int status = 200)
+{
+    WebSite::Reply reply;
+    reply.status = status;
+    reply.body = body;
+    return reply;
+}
+
+WebSite::Reply messagePage(int status, const QString &title, const QString &text)
+{
+    return page(PageWriter({}).message(title, text), status);
+}
+
+WebSite::Reply notFound()
+{
+    return messagePage(404, QStringLiteral("Not found"), QStringLiteral("There is nothing here."));
+}
+
+// A name that another site points at this machine would let that site's pages read ours.
+bool isOwnName(const QByteArray &host)
+{
+    const QByteArray name =
+        host.left(host.lastIndexOf(':') < 0 ? host.size() : host.lastIndexOf(':'));
+    return name == "localhost" || name == "127.0.0.1";
+}
+
+QString ownAddress(const QByteArray &host)
+{
+    return QStringLiteral("http://") + QString::fromLatin1(host) + QLatin1Char('/');
+}
+
+PageWriter::Notice thanks(const QString &done)
+{
+    static const QHash<QString, QString> texts{
+        {QStringLiteral("bid"), QStringLiteral("Thank you, your bid has been placed.")},
+        {QStringLiteral("buy"), QStringLiteral("Thank you, it is yours.")},
+        {QStringLiteral("question"), QStringLiteral("Thank you, your question has been sent.")},
+    };
+    return {texts.value(done), false};
+}
+
+} // namespace
+
+WebSite::WebSite(Accounts &accounts, Auctions &auctions, MailOutbox &outbox, Pictures &pictures,
+                 const DataFolder &folder)
+    : m_accounts(accounts)
+    , m_auctions(auctions)
+    , m_outbox(outbox)
+    , m_pictures(pictures)
+    , m_folder(folder)
+{
+}
+
+WebSite::Reply WebSite::answer(const Request &request)
+{
+    if (!isOwnName(request.host)) {
+        return messagePage(403, QStringLiteral("Not here"),
+                           QStringLiteral("This site is reached as localhost only."));
+    }
+    const VisitorToken visitor = VisitorToken::fromCookies(request.cookies);
+    Reply reply = request.method == "POST" ? post(request, visitor) : get(request, visitor);
+    if (reply.type.startsWith("text/html"))
+        reply.cookie = visitor.newCookie();
+    return reply;
+}
+
+WebSite::Reply WebSite::get(const Request &request, const VisitorToken &visitor)
+{
+    if (request.path == QLatin1String("/")) {
+        return page(PageWriter(visitor.formToken())
+                        .auctions(m_auctions.onSale(), m_auctions.recentlyEnded(endedShown)));
+    }
+    if (request.path == QLatin1String("/auction"))
+        return auctionPage(request, visitor);
+    if (request.path == QLatin1String("/thumbnail"))
+        return thumbnail(request);
+    if (request.path == QLatin1String("/media"))
+        return media(request);
+    if (request.path == QLatin1String("/index.php"))
+        return passwordPage(request, visitor);
+    if (request.path == QLatin1String("/outbox")) {
+        return page(PageWriter(visitor.formToken())
+                        .outbox(m_outbox.newest(mailsShown), ownAddress(request.host)));
+    }
+    return notFound();
+}
+
+WebSite::Reply WebSite::post(const Request &request, const VisitorToken &visitor)
+{
+    const bool isFromHere = request.origin.isEmpty() || request.origin == "http://" + request.host;
+    if (!isFromHere || !visitor.isOwnForm(request.form.text(QStringLiteral("token")).toLatin1())) {
+        return messagePage(
+            403, QStringLiteral("Please try again"),
+            QStringLiteral("This form is out of date or does not come from this site. "
+                           "Nothing was done. Please open the page again."));
+    }
+    if (request.path == QLatin1String("/auction/bid"))
+        return placeBid(request, visitor);
+    if (request.path == QLatin1String("/auction/buy"))
+        return buyNow(request, visitor);
+    if (request.path == QLatin1String("/auction/question"))
+        return ask(request, visitor);
+    const QString action = request.query.text(QStringLiteral("do"));
+    if (request.path == QLatin1String("/index.php") && action == QLatin1String("forgotpass"))
+        return sendPasswordLink(request, visitor);
+    if (request.path == QLatin1String("/index.php") && action == QLatin1String("newpass"))
+        return setPassword(request, visitor);
+    return notFound();
+}
+
+WebSite::Reply WebSite::auctionPage(const Request &request, const VisitorToken &visitor)
+{
+    const qint64 id = idIn(request.query);
+    // Coming back from a form is no new view.
+    const QString done = request.query.text(QStringLiteral("done"));
+    if (done.isEmpty() && request.method == "GET")
+        m_auctions.countView(id);
+    const Auctions::Auction auction = m_auctions.auction(id);
+    if (auction.id == 0)
+        return notFound();
+    return page(PageWriter(visitor.formToken())
+                    .auction(auction, m_auctions.bids(id), thanks(done), FormBody()));
+}
+
+WebSite::Reply WebSite::passwordPage(const Request &request, const VisitorToken &visitor)
+{
+    const PageWriter writer(visitor.formToken());
+    const QString action = request.query.text(QStringLiteral("do"));
+    if (action == QLatin1String("forgotpass"))
+        return page(writer.forgottenPassword({}));
+    if (action != QLatin1String("newpass"))
+        return notFound();
+    const QByteArray secret = request.query.text(QStringLiteral("secret")).toLatin1();
+    if (!m_accounts.isPasswordLink(secret)) {
+        return messagePage(404, QStringLiteral("This link is over"),
+                           QStringLiteral("This link has been used or is too old."));
+    }
+    return page(writer.newPassword(secret, {}));
+}
+
+WebSite::Reply WebSite::thumbnail(const Request &request)
+{
+    const Auctions::Auction auction = m_auctions.auction(idIn(request.query));
+    if (auction.id == 0)
+        return notFound();
+    const bool isLarge = request.query.has(QStringLiteral("large"));
+    const Pictures::Picture picture =
+        m_pictures.thumbnail(auction.media, isLarge ? largeEdge : cardEdge);
+    Reply reply;
+    reply.type = picture.type;
+    reply.body = picture.bytes;
+    return reply;
+}
+
+WebSite::Reply WebSite::media(const Request &request)
+{
+    const Auctions::Auction auction = m_auctions.auction(idIn(request.query));
+    if (auction.id == 0)
+        return notFound();
+    Reply reply;
+    reply.type = mediaType(auction.media);
+    reply.file = m_folder.mediaPath(auction.media);
+    return reply;
+}
+
+WebSite::Reply WebSite::placeBid(const Request &request, const VisitorToken &visitor)
+{
+    const QString error =
+        m_auctions.bid(idIn(request.form), buyerIn(request.form),
+                       request.form.number(QStringLiteral("amount"), Auctions::maxPrice));
+    return afterPost(request, visitor, "bid", error);
+}
+
+WebSite::Reply WebSite::buyNow(const Request &request, const VisitorToken &visitor)
+{
+    return afterPost(request, visitor, "buy",
+                     m_auctions.buyNow(idIn(request.form), buyerIn(request.form)));
+}
+
+WebSite::Reply WebSite::ask(const Request &request, const VisitorToken &visitor)
+{
+    const QString error = m_auctions.ask(idIn(request.form), buyerIn(request.form),
+                                         request.form.text(QStringLiteral("question")));
+    return afterPost(request, visitor, "question", error);
+}
+
+WebSite::Reply WebSite::afterPost(const Request &request, const VisitorToken &visitor,
+                                  const QByteArray &done, const QString &error)
+{
+    const qint64 id = idIn(request.form);
+    if (error.isEmpty()) {
+        Reply reply;
+        reply.status = 303;
+        reply.location = "/auction?id=" + QByteArray::number(id) + "&done=" + done;
+        return reply;
+    }
+    const Auctions::Auction auction = m_auctions.auction(id);
+    if (auction.id == 0)
+        return notFound();
+    const QString sentence = error.left(1).toUpper() + error.mid(1) + QLatin1Char('.');
+    return page(PageWriter(visitor.formToken())
+                    .auction(auction, m_auctions.bids(id), {sentence, true}, request.form),
+                422);
+}
+
+WebSite::Reply WebSite::sendPasswordLink(const Request &request, const VisitorToken &visitor)
+{
+    Q_UNUSED(visitor)
+    m_accounts.mailPasswordLink(request.form.text(QStringLiteral("member")).trimmed(),
+                                ownAddress(request.host)
+                                    + QStringLiteral("index.php?do=newpass&secret="));
+    return messagePage(200, QStringLiteral("Look into your mail"),
+                       QStringLiteral("If we know this member, a link for a new password is on its "
+                                      "way. It works for an hour."));
+}
+
+WebSite::Reply WebSite::setPassword(const Request &request, const VisitorToken &visitor)
+{
+    const QByteArray secret = request.form.text(QStringLiteral("secret")).toLatin1();
+    const QString error =
+        m_accounts.setPassword(secret, request.form.text(QStringLiteral("password1")),
+                               request.form.text(QStringLiteral("password2")));
+    if (error.isEmpty()) {
+        return messagePage(200, QStringLiteral("Your new password is set"),
+                           QStringLiteral("You can log in with it now."));
+    }
+    const QString sentence = error.left(1).toUpper() + error.mid(1) + QLatin1Char('.');
+    return page(PageWriter(visitor.formToken()).newPassword(secret, {sentence, true}), 422);
+}

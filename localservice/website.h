@@ -1,0 +1,70 @@
+#pragma once
+
+#include "accounts.h"
+#include "auctions.h"
+#include "datafolder.h"
+#include "formbody.h"
+#include "mailoutbox.h"
+#include "pictures.h"
+#include "visitortoken.h"
+
+#include <QByteArray>
+#include <QString>
+
+/**
+ * The web site for buyers, and for members who forgot their password: what each request is
+ * answered. A post is heeded only when it comes from a form that this site showed the visitor.
+ */
+class WebSite
+{
+public:
+    struct Request
+    {
+        QByteArray method; ///< "GET", "HEAD" or "POST"
+        QString path;
+        FormBody query;
+        FormBody form;
+        QByteArray cookies;
+        QByteArray host;
+        QByteArray origin; ///< empty = none was sent
+    };
+
+    struct Reply
+    {
+        int status = 200;
+        QByteArray type = "text/html; charset=utf-8";
+        QByteArray body;
+        QString file;        ///< when not empty, this file's content is the body
+        QByteArray location; ///< where a browser is sent
+        QByteArray cookie;   ///< a Set-Cookie header
+    };
+
+    WebSite(Accounts &accounts, Auctions &auctions, MailOutbox &outbox, Pictures &pictures,
+            const DataFolder &folder);
+
+    Reply answer(const Request &request);
+
+private:
+    Reply get(const Request &request, const VisitorToken &visitor);
+    Reply post(const Request &request, const VisitorToken &visitor);
+
+    Reply auctionPage(const Request &request, const VisitorToken &visitor);
+    Reply passwordPage(const Request &request, const VisitorToken &visitor);
+    Reply thumbnail(const Request &request);
+    Reply media(const Request &request);
+
+    Reply placeBid(const Request &request, const VisitorToken &visitor);
+    Reply buyNow(const Request &request, const VisitorToken &visitor);
+    Reply ask(const Request &request, const VisitorToken &visitor);
+    /** Back to the auction's page: with thanks after @p done, or with the error and the form. */
+    Reply afterPost(const Request &request, const VisitorToken &visitor, const QByteArray &done,
+                    const QString &error);
+    Reply sendPasswordLink(const Request &request, const VisitorToken &visitor);
+    Reply setPassword(const Request &request, const VisitorToken &visitor);
+
+    Accounts &m_accounts;
+    Auctions &m_auctions;
+    MailOutbox &m_outbox;
+    Pictures &m_pictures;
+    const DataFolder &m_folder;
+};
