@@ -1,0 +1,85 @@
+#include "kavlorauctionconfirm.h"
+
+#include "auctionrecord.h"
+#include "kavlorcategorystore.h"
+#include "ui_kavlorauctionconfirm.h"
+
+#include <QEvent>
+
+namespace {
+
+QString rowEnd()
+{
+    return QStringLiteral("</td></tr>");
+}
+
+} // namespace
+
+CKavlorAuctionConfirm::CKavlorAuctionConfirm(const CAuctionRecord *record, QWidget *parent)
+    : QFrame(parent)
+    , m_record(record)
+    , m_ui(std::make_unique<Ui::CKavlorAuctionConfirm>())
+{
+    m_ui->setupUi(this);
+    m_ui->auctionOverallInfo->document()->setDefaultStyleSheet(
+        QStringLiteral("th,td{color: #697278;font-weight: 20px;}"));
+    m_ui->auctionOverallInfo->setHtml(summary());
+    m_ui->createAuctionButton->installEventFilter(this);
+    connect(m_ui->createAuctionButton, &QPushButton::clicked, this,
+            &CKavlorAuctionConfirm::CreateAuctionClicked);
+}
+
+CKavlorAuctionConfirm::~CKavlorAuctionConfirm() = default;
+
+void CKavlorAuctionConfirm::antiBotCheck(QString aText)
+{
+    bool isNumber = false;
+    const int number = aText.toInt(&isNumber);
+    m_ui->createAuctionButton->setEnabled(isNumber && number == m_checkNumber);
+}
+
+void CKavlorAuctionConfirm::CreateAuctionClicked()
+{
+    m_ui->createAuctionButton->setEnabled(false);
+    emit CreateAuction();
+}
+
+bool CKavlorAuctionConfirm::eventFilter(QObject *watched, QEvent *event)
+{
+    // The second half of a double click that began on the page before is no consent.
+    if (watched == m_ui->createAuctionButton && event->type() == QEvent::MouseButtonDblClick)
+        return true;
+    return QFrame::eventFilter(watched, event);
+}
+
+QString CKavlorAuctionConfirm::summary() const
+{
+    const auto price = [](quint32 dollars) {
+        return dollars == 0 ? tr("Not set") : tr("USD %1").arg(dollars);
+    };
+    const auto escaped = [](QString text) {
+        return text.replace(QLatin1Char('<'), QLatin1String("&lt;"));
+    };
+    const QString heading = tr("Please verify data you entered ");
+    const QString fileName = m_record->mediaPath.section(QLatin1Char('/'), -1);
+
+    const QString body = QLatin1String("<tr><td colspan='2'> <h3>") + heading
+        + QLatin1String("</h3></td></tr>")
+        + QLatin1String("<tr><th align='right'><pre>Start price:</pre></th><td valign='middle'>")
+        + price(m_record->startPrice) + rowEnd()
+        + QLatin1String("<tr><th align='right'><pre>Reserved:</pre></th><td valign='middle'>")
+        + price(m_record->reservePrice) + rowEnd()
+        + QLatin1String("<tr><th align='right'><pre>Buy it now:</pre></th><td valign='middle'>")
+        + price(m_record->buyItNowPrice) + rowEnd()
+        + QLatin1String("<tr><th align='right'  valign='middle'><pre>Caption:</pre></th>"
+                        "<td valign='middle'>")
+        + escaped(m_record->caption) + rowEnd()
+        + QLatin1String("<tr><th align='right' valign='middle'><pre>Category:</pre></th>"
+                        "<td valign='middle'>")
+        + escaped(CKavlorCategoryStore::pathText(m_record->category)) + rowEnd()
+        + QLatin1String("<tr><th align='right'><pre>File:</pre></th><td>") + fileName + rowEnd();
+
+    return QLatin1String("<html><head><meta http-equiv='Content-Type' content='text/html; "
+                         "charset=iso-8859-1'></head><body><table font='large' width='100%'>")
+        + body + QLatin1String("</table></body></html>");
+}

@@ -1,0 +1,35 @@
+#include "kavlorauctioncreate.h"
+
+#include "rootviewcontroller.h"
+#include "ui_kavlorauctioncreate.h"
+
+#include <QMessageBox>
+
+CKavlorAuctionCreate::CKavlorAuctionCreate(int reserve, int buyItNow, int start, QWidget *parent)
+    : QFrame(parent)
+    , m_ui(std::make_unique<Ui::CKavlorAuctionCreate>())
+{
+    m_ui->setupUi(this);
+    m_ui->reservePrice->setValue(reserve);
+    m_ui->buyItNowPrice->setValue(buyItNow);
+    m_ui->startPrice->setValue(start);
+    connect(m_ui->finalizeButton, &QPushButton::clicked, this,
+            &CKavlorAuctionCreate::finalizeClicked);
+}
+
+CKavlorAuctionCreate::~CKavlorAuctionCreate() = default;
+
+void CKavlorAuctionCreate::finalizeClicked()
+{
+    const int reserve = m_ui->reservePrice->value();
+    const int buyItNow = m_ui->buyItNowPrice->value();
+    const int start = m_ui->startPrice->value();
+    if (start == 0 || (reserve != 0 && reserve <= start)) {
+        QMessageBox box;
+        box.setText(tr("Start price must be lower than reserve price, if reserve price is set."));
+        box.exec();
+        return;
+    }
+    emit finalized(reserve, buyItNow, start);
+    RootViewController::leave(this);
+}

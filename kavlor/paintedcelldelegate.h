@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QList>
+#include <QSize>
+#include <QStyledItemDelegate>
+
+/**
+ * Shows the cells of a table whose model paints each as one pixmap, its decoration.
+ *
+ * The sizes are fixed by column, so that laying out a table asks its model for nothing: only a
+ * cell that comes into sight is painted.
+ */
+class PaintedCellDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    /** @p columnSizes holds the size of a cell for each column. */
+    PaintedCellDelegate(const QList<QSize> &columnSizes, QObject *parent);
+
+    void paint(QPainter *painter, const QStyleOptionViewItem &option,
+               const QModelIndex &index) const override;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+
+private:
+    const QList<QSize> m_columnSizes;
+};

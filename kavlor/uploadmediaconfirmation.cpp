@@ -1,0 +1,13 @@
+#include "uploadmediaconfirmation.h"
+
+#include "ui_uploadmediaconfirmation.h"
+
+CUploadMediaConfirmation::CUploadMediaConfirmation(QWidget *parent)
+    : QFrame(parent)
+    , m_ui(std::make_unique<Ui::CUploadMediaConfirmation>())
+{
+    m_ui->setupUi(this);
+    connect(m_ui->buttonOk, &QPushButton::clicked, this, &CUploadMediaConfirmation::nextClicked);
+}
+
+CUploadMediaConfirmation::~CUploadMediaConfirmation() = default;

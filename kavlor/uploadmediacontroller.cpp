@@ -1,0 +1,510 @@
+#include "uploadmediacontroller.h"
+
+#include "httptolvex.h"
+#include "kavlorauctioncategorize.h"
+#include "kavlorauctionconfirm.h"
+#include "kavlorauctioncreate.h"
+#include "kavloruser.h"
+#include "progressivemodel.h"
+#include "rootviewcontroller.h"
+#include "timeconstants.h"
+#include "ui_uploadmediacontroller.h"
+#include "uploadmediaconfirmation.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFocusEvent>
+#include <QMessageBox>
+#include <QPainter>
+#include <QPixmapCache>
+#include <QStandardPaths>
+#include <QTextCursor>
+#include <QTransform>
+
+namespace {
+
+constexpr uint progressCells = 3;
+
+const QImage &uploadBackground()
+{
+    static const QImage image(QStringLiteral(":/UploadBG.png"));
+    return image;
+}
+
+QDateTime creationTime(const QString &fileName)
+{
+    const QFileInfo file(fileName);
+    // Not every file system knows when a file was born.
+    const QDateTime birth = file.birthTime();
+    return birth.isValid() ? birth : file.metadataChangeTime();
+}
+
+bool isSideways(const QSize &image, const QSize &preview)
+{
+    const bool imageIsPortrait = image.height() > image.width();
+    const bool imageIsLandscape = image.width() > image.height();
+    const bool previewIsPortrait = preview.height() > preview.width();
+    const bool previewIsLandscape = preview.width() > preview.height();
+    return (imageIsPortrait && previewIsLandscape) || (imageIsLandscape && previewIsPortrait);
+}
+
+QPixmap paintVideoIcon(const QSize &size)
+{
+    QPixmap icon = QPixmap(QStringLiteral(":/videoicon.png"))
+                       .scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    QPainter painter(&icon);
+    painter.setFont(QFont(QStringLiteral("SmallSystemFont"), 16, QFont::Normal));
+    painter.setPen(QColor(41, 53, 95));
+    const int half = size.height() / 2;
+    painter.drawText(QRect(2, half, size.width() - 4, half), Qt::AlignCenter | Qt::TextWordWrap,
+                     CUploadMediaController::tr("Your media\nhas been selected.\n"
+                                                "Please describe\nand categorize it."));
+    return icon;
+}
+
+// The text with a capital first letter; unchanged when it has one already.
+QString capitalized(const QString &text)
+{
+    return text.isEmpty() ? text : text.at(0).toUpper() + text.mid(1);
+}
+
+// Whether the member, not the program, has moved the focus.
+bool isDeliberate(const QFocusEvent *event)
+{
+    switch (event->reason()) {
+    case Qt::MouseFocusReason:
+    case Qt::TabFocusReason:
+    case Qt::BacktabFocusReason:
+    case Qt::ShortcutFocusReason:
+        return true;
+    default:
+        return false;
+    }
+}
+
+const char *editedProperty()
+{
+    return "edited";
+}
+
+} // namespace
+
+CUploadMediaController::CUploadMediaController(CKavlorUser *user, QWidget *parent)
+    : QFrame(parent)
+    , m_user(user)
+    , m_request(new CHttpTolvex(this))
+    , m_progress(new CProgressiveModel(this, progressCells, 0))
+    , m_ui(std::make_unique<Ui::CUploadMediaController>())
+{
+    m_ui->setupUi(this);
+    m_chooserText = m_ui->photoClicker->text();
+    m_ui->descriptionFrame->setEnabled(false);
+    m_ui->progressUpload->setProgress(m_progress);
+    m_rotationTimer.setSingleShot(true);
+    connectForm();
+    connectRequest();
+}
+
+CUploadMediaController::~CUploadMediaController()
+{
+    // A field that loses the focus with the frame may still move its cursor.
+    m_ui->lineCaption->disconnect(this);
+    m_ui->textDescription->disconnect(this);
+}
+
+void CUploadMediaController::connectForm()
+{
+    connect(m_ui->photoClicker, &QToolButton::clicked, this,
+            &CUploadMediaController::chooseMediaClick);
+    connect(this, &CUploadMediaController::pictureIsChosen, this,
+            &CUploadMediaController::changeMedia);
+    connect(this, &CUploadMediaController::descriptionToBeShown, this,
+            &CUploadMediaController::showDescription);
+    connect(m_ui->doneButton, &QPushButton::clicked, this, &CUploadMediaController::doneClick);
+    connect(this, &CUploadMediaController::uploadCancel, this,
+            &CUploadMediaController::cancelClicked);
+    connect(m_ui->textDescription, &QPlainTextEdit::cursorPositionChanged, this,
+            &CUploadMediaController::descriptionPosChanged);
+    connect(m_ui->lineCaption, &QLineEdit::cursorPositionChanged, this,
+            &CUploadMediaController::captionPosChanged);
+    connect(m_ui->lineCaption, &QLineEdit::selectionChanged, this, [this] { captionPosChanged(); });
+    connect(&m_rotationTimer, &QTimer::timeout, this, &CUploadMediaController::rotatePreview);
+    m_ui->lineCaption->installEventFilter(this);
+    m_ui->textDescription->installEventFilter(this);
+}
+
+void CUploadMediaController::connectRequest()
+{
+    // Queued, since a request that cannot even be sent reports so from within createAuction().
+    connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
+            &CUploadMediaController::requestDone, Qt::QueuedConnection);
+}
+
+bool CUploadMediaController::eventFilter(QObject *watched, QEvent *event)
+{
+    // A click or a tab into a field need not move its cursor, and yet it is the first touch.
+    if (event->type() == QEvent::FocusIn && isDeliberate(static_cast<QFocusEvent *>(event))) {
+        if (watched == m_ui->lineCaption)
+            touchCaption();
+        else if (watched == m_ui->textDescription)
+            touchDescription();
+    }
+    return QFrame::eventFilter(watched, event);
+}
+
+void CUploadMediaController::resizeEvent(QResizeEvent *event)
+{
+    QFrame::resizeEvent(event);
+    // The preview stays wider than tall in a window of any shape.
+    m_ui->photoFrame->setMaximumHeight(m_ui->photoFrame->width() * 3 / 4);
+}
+
+void CUploadMediaController::setPercentage(int percentage)
+{
+    m_progress->setPercentage(percentage);
+    m_ui->progressUpload->viewport()->repaint();
+}
+
+void CUploadMediaController::showPage(QFrame *page)
+{
+    // The real fields must not get the focus that the old page gives up.
+    m_ui->DummylineEdit->setFocus();
+    m_ui->photoClicker->setEnabled(false);
+    m_ui->descriptionFrame->hide();
+    page->show();
+    QFrame *previous = m_page;
+    m_page = page;
+    retire(previous);
+}
+
+// Not deleted at once: it may be its own signal that asked for the next page.
+void CUploadMediaController::retire(QFrame *page)
+{
+    if (!page)
+        return;
+    page->disconnect(this);
+    RootViewController::leave(page);
+}
+
+void CUploadMediaController::inform(const QString &text)
+{
+    // Not on the stack: a reply that comes meanwhile may end the wizard under it.
+    QPointer<QMessageBox> box =
+        new QMessageBox(QMessageBox::Information, tr("kavlor media"), text, QMessageBox::Ok, this);
+    box->exec();
+    delete box;
+}
+
+void CUploadMediaController::chooseMediaClick()
+{
+    m_rotationTimer.stop();
+    m_ui->photoLabel->setPixmap(QPixmap::fromImage(uploadBackground()));
+    m_ui->photoClicker->setText(m_chooserText);
+
+    const QPointer<CUploadMediaController> guard(this);
+    QString fileName = QFileDialog::getOpenFileName(
+        parentWidget(), tr("Choose Your Image Or Video"), startFolder(),
+        tr("Images (*.png *.jpg *.bmp *.gif *.jpeg *.pbm *.pgm *.ppm *.tiff *.xbm *.xpm);; "
+           "Video (*.mp4 *.3gp)"));
+    // The reply to an upload may have come while the dialog was open.
+    if (!guard || m_leaving || m_page)
+        return;
+    if (fileName.isEmpty())
+        fileName = m_record.mediaPath;
+    if (fileName.isEmpty())
+        return;
+    changeMedia(fileName, fileName.endsWith(QLatin1String("mp4")));
+}
+
+QString CUploadMediaController::startFolder() const
+{
+    if (QFileInfo::exists(m_record.mediaPath))
+        return m_record.mediaPath;
+    const QString camera = QStringLiteral("/home/user/MyDocs/DCIM");
+    if (QFileInfo::exists(camera))
+        return camera;
+    return QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+}
+
+void CUploadMediaController::changeMedia(QString aFileName, bool aVideo)
+{
+    m_rotationTimer.stop();
+    if (!m_previewSize.isValid())
+        m_previewSize = m_ui->photoLabel->size();
+    if (aFileName.isEmpty())
+        return;
+
+    m_record.mediaPath = aFileName;
+    m_record.captureDate = creationTime(aFileName);
+    m_record.category = 0;
+    if (aVideo) {
+        showVideoIcon();
+    } else if (!showImage()) {
+        inform(tr("Cannot load %1.").arg(aFileName));
+        return;
+    }
+    emit descriptionToBeShown();
+}
+
+bool CUploadMediaController::showImage()
+{
+    m_image.load(m_record.mediaPath);
+    if (m_image.isNull())
+        return false;
+
+    m_ui->photoClicker->setText(QString());
+    m_imageTextKeys = m_image.textKeys();
+    m_imageSize = m_image.size();
+    const QSize box(m_previewSize.height(), m_previewSize.height());
+    m_ui->photoLabel->setPixmap(
+        QPixmap::fromImage(m_image.scaled(box, Qt::KeepAspectRatio, Qt::FastTransformation)));
+    if (isSideways(m_imageSize, m_previewSize))
+        m_rotationTimer.start(timeConstants().rotationDelay);
+    return true;
+}
+
+void CUploadMediaController::showVideoIcon()
+{
+    m_ui->photoClicker->setText(QString());
+    const QString key = QStringLiteral(":/videoicon.png");
+    QPixmap icon;
+    if (!QPixmapCache::find(key, &icon)) {
+        icon = paintVideoIcon(m_previewSize);
+        QPixmapCache::insert(key, icon);
+    }
+    m_ui->photoLabel->setPixmap(icon);
+}
+
+void CUploadMediaController::rotatePreview()
+{
+    static const QTransform clockwise = QTransform().rotate(90);
+    m_ui->photoLabel->setPixmap(m_ui->photoLabel->pixmap().transformed(clockwise));
+}
+
+void CUploadMediaController::showDescription()
+{
+    m_ui->DummylineEdit->setFocus();
+    m_ui->photoClicker->setEnabled(true);
+    setPercentage(1);
+    m_ui->descriptionFrame->setEnabled(true);
+    m_ui->descriptionFrame->show();
+    if (!m_record.caption.isEmpty())
+        m_ui->lineCaption->setText(m_record.caption);
+    if (!m_record.description.isEmpty())
+        m_ui->textDescription->setPlainText(m_record.description);
+    m_step = Describing;
+}
+
+// True when this was the first touch, which wipes the prompt.
+bool CUploadMediaController::touchCaption()
+{
+    if (m_captionCleared || !m_captionEmpty
+        || m_ui->lineCaption->property(editedProperty()).toBool())
+        return false;
+    m_captionCleared = true;
+    m_ui->lineCaption->clear();
+    m_ui->lineCaption->setProperty(editedProperty(), true);
+    return true;
+}
+
+bool CUploadMediaController::touchDescription()
+{
+    if (m_descriptionCleared || !m_descriptionEmpty
+        || m_ui->textDescription->property(editedProperty()).toBool())
+        return false;
+    m_descriptionCleared = true;
+    m_ui->textDescription->clear();
+    m_ui->textDescription->setProperty(editedProperty(), true);
+    return true;
+}
+
+void CUploadMediaController::captionPosChanged(int aOld, int aNew)
+{
+    Q_UNUSED(aOld)
+    if (touchCaption())
+        return;
+    const QString text = m_ui->lineCaption->text();
+    if (text.isEmpty())
+        return;
+    m_captionEmpty = false;
+    if (text == capitalized(text))
+        return;
+    m_ui->lineCaption->setText(capitalized(text));
+    m_ui->lineCaption->setCursorPosition(aNew);
+}
+
+void CUploadMediaController::descriptionPosChanged()
+{
+    if (touchDescription())
+        return;
+    QPlainTextEdit *field = m_ui->textDescription;
+    const QString text = field->toPlainText();
+    if (text.isEmpty())
+        return;
+    m_descriptionEmpty = false;
+    if (text == capitalized(text))
+        return;
+    field->clear();
+    field->appendPlainText(capitalized(text));
+    // The cursor goes behind the first character, wherever the member was typing.
+    QTextCursor cursor = field->textCursor();
+    cursor.movePosition(QTextCursor::Start);
+    cursor.movePosition(QTextCursor::NextCharacter);
+    field->setTextCursor(cursor);
+    field->ensureCursorVisible();
+}
+
+void CUploadMediaController::doneClick()
+{
+    if (m_captionEmpty) {
+        QMessageBox box;
+        box.setText(tr("Please enter a caption."));
+        box.exec();
+        return;
+    }
+
+    setPercentage(34);
+    m_record.caption = m_ui->lineCaption->text();
+    // Kept in the record is only the prompt, for showDescription(); a written text stays in its
+    // field until categorized() takes it.
+    m_record.description = m_descriptionEmpty ? m_ui->textDescription->toPlainText() : QString();
+    auto *page = new CKavlorAuctionCategorize(m_ui->pageArea, m_record.category, false);
+    connect(page, &CKavlorAuctionCategorize::categoryChosen, this,
+            &CUploadMediaController::categorized);
+    m_step = Categorizing;
+    showPage(page);
+}
+
+void CUploadMediaController::categorized(int aCategory)
+{
+    setPercentage(69);
+    m_record.category = aCategory;
+    m_record.caption = m_ui->lineCaption->text();
+    m_record.description = m_descriptionEmpty ? QString() : m_ui->textDescription->toPlainText();
+    auto *page = new CKavlorAuctionCreate(static_cast<int>(m_record.reservePrice),
+                                          static_cast<int>(m_record.buyItNowPrice),
+                                          static_cast<int>(m_record.startPrice), m_ui->pageArea);
+    connect(page, &CKavlorAuctionCreate::finalized, this, &CUploadMediaController::pricesSet);
+    m_step = Pricing;
+    showPage(page);
+}
+
+void CUploadMediaController::pricesSet(int aReserve, int aBuyItNow, int aStart)
+{
+    // The price page removes itself.
+    m_step = ChoosingMedia;
+    m_page.clear();
+    m_record.reservePrice = static_cast<quint32>(aReserve);
+    m_record.buyItNowPrice = static_cast<quint32>(aBuyItNow);
+    m_record.startPrice = static_cast<quint32>(aStart);
+
+    setPercentage(99);
+    auto *page = new CKavlorAuctionConfirm(&m_record, m_ui->pageArea);
+    connect(page, &CKavlorAuctionConfirm::CreateAuction, this,
+            &CUploadMediaController::createAuction);
+    m_step = Confirming;
+    showPage(page);
+}
+
+void CUploadMediaController::createAuction()
+{
+    if (!m_request) {
+        const QPointer<CUploadMediaController> guard(this);
+        inform(tr("Cannot upload %1.").arg(m_record.mediaPath));
+        if (guard)
+            cancelClicked();
+        return;
+    }
+    if (m_uploading) {
+        // The member went back during the upload; a second one would be a second auction.
+        inform(tr("Your auction is already being uploaded as you confirmed it before. "
+                  "Please wait for the result."));
+        return;
+    }
+    setPercentage(1);
+    m_progress->animate(true, static_cast<uint>(timeConstants().progressStep), 0);
+    m_uploading = true;
+    m_request->createAuction(*m_user, m_record);
+}
+
+void CUploadMediaController::requestDone(QString aResponse, QString aError)
+{
+    m_progress->animate(false, 0, 0);
+    setPercentage(100);
+    if (!m_uploading)
+        return;
+    m_uploading = false;
+
+    if (!aError.isEmpty() || aResponse.contains(QLatin1String("ERROR"))) {
+        QMessageBox box;
+        box.setText(tr("Media uploading failed. Reason: %1%2").arg(aError, aResponse));
+        box.exec();
+        emit uploadCancel();
+        return;
+    }
+    if (!RootViewController::of(this))
+        return;
+    auto *page = new CUploadMediaConfirmation(m_ui->pageArea);
+    connect(page, &CUploadMediaConfirmation::nextClicked, this,
+            &CUploadMediaController::showNotificationsOptions);
+    showPage(page);
+}
+
+void CUploadMediaController::showNotificationsOptions()
+{
+    if (m_leaving)
+        return;
+    m_leaving = true;
+    emit uploadComplete();
+    RootViewController::leave(this);
+}
+
+void CUploadMediaController::cancelClicked()
+{
+    if (m_leaving)
+        return;
+    m_leaving = true;
+    m_uploading = false;
+    // Copies, since the root loads the record anew.
+    const QString userName = m_user->field(CKavlorUser::Username);
+    const QString password = m_user->field(CKavlorUser::Password);
+    if (RootViewController *root = RootViewController::of(this))
+        root->ShowLoginOptions(userName, password, true);
+    RootViewController::leave(this);
+}
+
+void CUploadMediaController::backClicked()
+{
+    if (m_leaving)
+        return;
+    QFrame *aside = m_page;
+    m_page.clear();
+    switch (m_step) {
+    case ChoosingMedia:
+    case Describing:
+        cancelClicked();
+        break;
+    case Categorizing:
+        m_step = Describing;
+        showDescription();
+        break;
+    case Pricing:
+        m_step = Categorizing;
+        doneClick();
+        break;
+    case Confirming:
+        m_step = Pricing;
+        categorized(m_record.category);
+        break;
+    case Uploading:
+        m_step = Confirming;
+        m_progress->animate(false, 0, 0);
+        m_uploading = false;
+        if (m_request)
+            m_request->cancelRequest(QString());
+        pricesSet(static_cast<int>(m_record.reservePrice), static_cast<int>(m_record.buyItNowPrice),
+                  static_cast<int>(m_record.startPrice));
+        break;
+    }
+    retire(aside);
+}

@@ -1,0 +1,100 @@
+#pragma once
+
+#include "auctionrecord.h"
+
+#include <QFrame>
+#include <QImage>
+#include <QPointer>
+#include <QSize>
+#include <QStringList>
+#include <QTimer>
+#include <memory>
+
+class CHttpTolvex;
+class CKavlorUser;
+class CProgressiveModel;
+
+namespace Ui {
+class CUploadMediaController;
+}
+
+/**
+ * The upload wizard: a member picks a photo or clip, describes it, files it under a category, sets
+ * prices, checks the summary and sends the auction to the service.
+ *
+ * A content frame of the root window. Its pages take the place of its description area, one at a
+ * time. It deletes itself when the member leaves: after a success it has emitted uploadComplete(),
+ * in every other case it has asked the root for the home screen. The user is not owned.
+ */
+class CUploadMediaController : public QFrame
+{
+    Q_OBJECT
+
+public:
+    CUploadMediaController(CKavlorUser *user, QWidget *parent);
+    ~CUploadMediaController() override;
+
+signals:
+    void pictureIsChosen(QString aFileName, bool aVideo = false);
+    /** The media is chosen and shown; its description comes next. */
+    void descriptionToBeShown();
+    /** The auction is created and the member has read so; comes once. */
+    void uploadComplete();
+    /** The upload has failed and the member was told why. */
+    void uploadCancel();
+
+public slots:
+    void showNotificationsOptions();
+    void descriptionPosChanged();
+    void captionPosChanged(int aOld = -1, int aNew = -1);
+    void chooseMediaClick();
+    void changeMedia(QString aFileName, bool aVideo = false);
+    void doneClick();
+    void categorized(int aCategory);
+    void createAuction();
+    void pricesSet(int aReserve, int aBuyItNow, int aStart);
+    void showDescription();
+    void backClicked();
+    void cancelClicked();
+    void requestDone(QString aResponse, QString aError);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    enum Step { ChoosingMedia, Describing, Categorizing, Pricing, Confirming, Uploading };
+
+    void connectForm();
+    void connectRequest();
+    void setPercentage(int percentage);
+    void showPage(QFrame *page);
+    void retire(QFrame *page);
+    void inform(const QString &text);
+    QString startFolder() const;
+    bool showImage();
+    void showVideoIcon();
+    void rotatePreview();
+    bool touchCaption();
+    bool touchDescription();
+
+    CKavlorUser *m_user;
+    QPointer<CHttpTolvex> m_request;
+    CProgressiveModel *m_progress;
+    std::unique_ptr<Ui::CUploadMediaController> m_ui;
+    CAuctionRecord m_record;
+    Step m_step = ChoosingMedia;
+    QPointer<QFrame> m_page;
+    bool m_uploading = false;
+    bool m_leaving = false;
+    bool m_captionEmpty = true; // no first character seen yet
+    bool m_descriptionEmpty = true;
+    bool m_captionCleared = false; // the prompt in it was wiped
+    bool m_descriptionCleared = false;
+    QTimer m_rotationTimer;
+    QImage m_image;
+    QSize m_imageSize; // as loaded
+    QStringList m_imageTextKeys;
+    QSize m_previewSize;   // of the preview when media was first shown
+    QString m_chooserText; // the prompt over the preview
+};
