@@ -3,6 +3,7 @@
 #include "framearea.h"
 #include "framewelcomekavlor.h"
 #include "httptolvex.h"
+#include "kavlorcategorystore.h"
 #include "kavlorknownuser.h"
 #include "kavlormyauctionscontroller.h"
 #include "kavlorsettings.h"
@@ -12,6 +13,7 @@
 #include "theme.h"
 #include "timeconstants.h"
 #include "ui_rootviewcontroller.h"
+#include "uploadmediacontroller.h"
 
 #include <QPushButton>
 #include <QSettings>
@@ -190,6 +192,8 @@ void RootViewController::showHome(const QString &userName, const QString &passwo
         // Once only: the text is from the start, and the member may have chosen anew since.
         m_notificationOptions.parse(m_notificationOptionsText);
     }
+    if (CKavlorCategoryStore::isEmpty() && !m_categoriesText.isEmpty())
+        CKavlorCategoryStore::load(m_categoriesText);
 
     NavigationControlableFrame *bar =
         makeControlableBar(tr("welcome to kavlor!"), QStringLiteral(":/KavlorMicroLogo.png"));
@@ -208,9 +212,14 @@ void RootViewController::requestDone(QString aResponse, QString aError)
     if (m_requestState == NotificationOptionsRequested) {
         if (usable)
             m_notificationOptions.parse(aResponse);
-        m_requestState = CategoriesRequested;
-        m_request->getCategoryList(userName(), password());
+        // With the categories there already, the state stays as it is.
+        if (CKavlorCategoryStore::isEmpty()) {
+            m_requestState = CategoriesRequested;
+            m_request->getCategoryList(userName(), password());
+        }
     } else if (m_requestState == CategoriesRequested) {
+        if (usable)
+            CKavlorCategoryStore::load(aResponse);
         emit CategoriesDone();
         m_requestState = NothingRequested;
     }
@@ -262,7 +271,20 @@ void RootViewController::ShowMyKavlorOptions()
 
 void RootViewController::ShowUploadOptions()
 {
-    returnHome();
+    deleteBar();
+    NavigationControlableFrame *bar =
+        makeControlableBar(tr("Upload"), QStringLiteral(":/UploadIcon.png"));
+    bar->setElementText(NavigationControlableFrame::CancelButton, tr("Cancel"));
+    bar->show();
+
+    auto *frame = new CUploadMediaController(&m_user, m_ui->mainView);
+    connect(bar, &NavigationControlableFrame::backClicked, frame,
+            &CUploadMediaController::backClicked);
+    connect(bar, &NavigationControlableFrame::cancelClicked, frame,
+            &CUploadMediaController::cancelClicked);
+    connect(frame, &CUploadMediaController::uploadComplete, this,
+            &RootViewController::UploadComplete);
+    frame->show();
 }
 
 void RootViewController::returnHome()
