@@ -138,8 +138,9 @@ void paintCategory(QPainter *painter, int identifier, bool topLevel, bool chosen
         paintName(painter, QRect(left, 0, width, separatorTop), Qt::TextWordWrap, topLevel, name);
         return;
     }
-    paintName(painter, QRect(left, 0, width, nameHeightAboveChildren), Qt::TextSingleLine, topLevel,
-              name);
+    // The name may reach out of its narrow area, or the tails of its letters would be missing.
+    paintName(painter, QRect(left, 0, width, nameHeightAboveChildren),
+              Qt::TextSingleLine | Qt::TextDontClip, topLevel, name);
     paintChildren(painter, QRect(left, childrenTop, width, childrenHeight), chosen, children);
 }
 

@@ -25,12 +25,6 @@ namespace {
 
 constexpr uint progressCells = 3;
 
-const QImage &uploadBackground()
-{
-    static const QImage image(QStringLiteral(":/UploadBG.png"));
-    return image;
-}
-
 QDateTime creationTime(const QString &fileName)
 {
     const QFileInfo file(fileName);
@@ -157,6 +151,17 @@ void CUploadMediaController::resizeEvent(QResizeEvent *event)
     QFrame::resizeEvent(event);
     // The preview stays wider than tall in a window of any shape.
     m_ui->photoFrame->setMaximumHeight(m_ui->photoFrame->width() * 3 / 4);
+    m_ui->photoFrame->layout()->activate();
+    if (!m_ui->photoClicker->text().isEmpty())
+        showPrompt();
+}
+
+void CUploadMediaController::showPrompt()
+{
+    static const QImage background(QStringLiteral(":/UploadBG.png"));
+    m_ui->photoLabel->setPixmap(QPixmap::fromImage(background.scaled(
+        m_ui->photoLabel->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation)));
+    m_ui->photoClicker->setText(m_chooserText);
 }
 
 void CUploadMediaController::setPercentage(int percentage)
@@ -198,8 +203,7 @@ void CUploadMediaController::inform(const QString &text)
 void CUploadMediaController::chooseMediaClick()
 {
     m_rotationTimer.stop();
-    m_ui->photoLabel->setPixmap(QPixmap::fromImage(uploadBackground()));
-    m_ui->photoClicker->setText(m_chooserText);
+    showPrompt();
 
     const QPointer<CUploadMediaController> guard(this);
     QString fileName = QFileDialog::getOpenFileName(
@@ -435,7 +439,7 @@ void CUploadMediaController::requestDone(QString aResponse, QString aError)
         return;
     m_uploading = false;
 
-    if (!aError.isEmpty() || aResponse.contains(QLatin1String("ERROR"))) {
+    if (!CHttpTolvex::succeeded(aResponse, aError)) {
         QMessageBox box;
         box.setText(tr("Media uploading failed. Reason: %1%2").arg(aError, aResponse));
         box.exec();

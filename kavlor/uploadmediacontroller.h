@@ -72,6 +72,7 @@ private:
     void retire(QFrame *page);
     void inform(const QString &text);
     QString startFolder() const;
+    void showPrompt();
     bool showImage();
     void showVideoIcon();
     void rotatePreview();
