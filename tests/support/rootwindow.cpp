@@ -1,6 +1,7 @@
 #include "rootwindow.h"
 
 #include "framewelcomekavlor.h"
+#include "kavlorcategorystore.h"
 #include "kavlorknownuser.h"
 
 #include <QAbstractButton>
@@ -11,6 +12,8 @@
 RootWindow::RootWindow()
     : settings(folder.filePath(QStringLiteral("kavlor.conf")), QSettings::IniFormat)
 {
+    // The store is the process's; every test starts like a new one.
+    CKavlorCategoryStore::load(QString());
 }
 
 RootWindow::~RootWindow() = default;
