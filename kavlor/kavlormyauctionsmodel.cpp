@@ -129,13 +129,15 @@ int CKavlorMyAuctionsModel::columnCount(const QModelIndex &parent) const
 
 QVariant CKavlorMyAuctionsModel::data(const QModelIndex &index, int role) const
 {
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+    if (!index.isValid())
         return {};
     if (role == Qt::TextAlignmentRole)
         return QVariant::fromValue(Qt::Alignment(Qt::AlignLeft | Qt::AlignVCenter));
     if (role != Qt::DecorationRole)
         return {};
     const uint id = auctionId(index.row());
+    if (id == 0)
+        return {};
     if (index.column() == Thumbnail)
         return thumbnail(id);
     return strip(id);
