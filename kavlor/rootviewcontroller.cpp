@@ -339,6 +339,7 @@ void RootViewController::doExit()
 {
     delete m_splash;
     m_splash.clear();
-    hide();
+    // Closing hides it, too. One that is hidden already would not count as the last window, with
+    // which the application ends.
     close();
 }

@@ -62,11 +62,11 @@ QByteArray ScriptedService::Request::operation() const
     return path.split('/').value(2);
 }
 
-ScriptedService::ScriptedService(QObject *parent)
+ScriptedService::ScriptedService(QObject *parent, quint16 port)
     : QObject(parent)
 {
     connect(&m_server, &QTcpServer::newConnection, this, &ScriptedService::accept);
-    m_server.listen(QHostAddress::LocalHost);
+    m_server.listen(QHostAddress::LocalHost, port);
     setServiceHost(host());
 }
 

@@ -58,7 +58,8 @@ public:
         QByteArray operation() const;
     };
 
-    explicit ScriptedService(QObject *parent = nullptr);
+    /** Listens on @p port, or on any free one when it is 0. */
+    explicit ScriptedService(QObject *parent = nullptr, quint16 port = 0);
     ~ScriptedService() override;
 
     QString host() const;

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "clientdriver.h"
+#include "localserviceprocess.h"
+#include "privatebus.h"
+
+#include <QProcess>
+#include <memory>
+
+/**
+ * Everything a member has, for real and in processes of its own: a system bus, the connectivity
+ * bridge on it, and the client; and at the other end the local auction service.
+ *
+ * The client was built for a service on a fixed port, so only one whole system runs at a time.
+ */
+class WholeSystem
+{
+public:
+    WholeSystem();
+    ~WholeSystem();
+    Q_DISABLE_COPY_MOVE(WholeSystem)
+
+    /** Starts bus and bridge, the device being online. */
+    bool startConnectivity();
+    /** Starts the service where the client looks for it, with @p options such as "--seed". */
+    bool startService(const QStringList &options = {});
+
+    /** The port that the client was built for. */
+    static quint16 servicePort();
+
+    LocalServiceProcess service;
+    /** Made with the connectivity; the client's home outlives its restarts. */
+    std::unique_ptr<ClientDriver> client;
+
+private:
+    PrivateBus m_bus;
+    QProcess m_bridge;
+};
