@@ -1,0 +1,442 @@
+#include "connector.h"
+#include "httptolvex.h"
+#include "privatebus.h"
+#include "scriptedservice.h"
+#include "standindaemon.h"
+#include "testcase.h"
+#include "testconstants.h"
+#include "testmain.h"
+
+#include <QElapsedTimer>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTimer>
+#include <QWindow>
+
+#include <qpa/qwindowsysteminterface.h>
+
+#include <memory>
+
+namespace {
+
+const char autoConnect[] = "/system/osso/connectivity/network_type/auto_connect";
+
+bool configure(const char *setting)
+{
+    return PrivateBus::gconfTool({QStringLiteral("--set"), QLatin1String(autoConnect),
+                                  QStringLiteral("--type"), QStringLiteral("string"),
+                                  QLatin1String(setting)});
+}
+
+// The request under test with what came of it.
+class Request
+{
+public:
+    void send()
+    {
+        m_http->getServiceTerms();
+    }
+    void drop()
+    {
+        m_http.reset();
+    }
+    int resultCount() const
+    {
+        return int(m_results.size());
+    }
+    QString response() const
+    {
+        return m_results.value(0).value(0).toString();
+    }
+    QString error() const
+    {
+        return m_results.value(0).value(1).toString();
+    }
+
+private:
+    std::unique_ptr<CHttpTolvex> m_http = std::make_unique<CHttpTolvex>();
+    QSignalSpy m_results{m_http.get(),
+                         qOverload<QString, QString>(&CHttpTolvex::requestIsFinished)};
+};
+
+} // namespace
+
+/**
+ * How a request gets its network connection: the request object, the connection manager and the
+ * daemon on a real bus together.
+ */
+class tst_ConnectionWait : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void cleanupTestCase();
+
+    void sentAtOnceInAConnectedState_data();
+    void sentAtOnceInAConnectedState();
+    void connectionIsAskedForInOtherStates_data();
+    void connectionIsAskedForInOtherStates();
+    void emptySettingShowsTheChooser_data();
+    void emptySettingShowsTheChooser();
+    void noConnectionIsReportedOnceAndNothingIsSent_data();
+    void noConnectionIsReportedOnceAndNothingIsSent();
+    void lateConnectionSendsNothing();
+    void searchReportsDoNotEndTheWait();
+    void limitThatPassesAfterTheConnectionIsHarmless();
+    void secondRequestDoesNotAskAgain();
+    void daemonMayComeDuringTheWait();
+    void daemonMayGoDuringTheWait();
+    void silentDaemonHoldsUpNoLongerThanItsCalls();
+    void inputIsDeadAndTimersLiveDuringTheWait();
+    void requestMayBeDeletedDuringTheWait();
+    void twoRequestsMayWait();
+
+private:
+    void goOffline(quint32 state = 0);
+
+    PrivateBus m_bus;
+    std::unique_ptr<StandInDaemon> m_daemon;
+    std::unique_ptr<CConnector> m_connector;
+    std::unique_ptr<ScriptedService> m_service;
+};
+
+void tst_ConnectionWait::initTestCase()
+{
+    QVERIFY(m_bus.start());
+}
+
+void tst_ConnectionWait::init()
+{
+    TestCase::init();
+    testTimeConstants().connectionWait = 10000;
+    QVERIFY(configure("*"));
+    m_daemon = std::make_unique<StandInDaemon>(m_bus.address());
+    QVERIFY(m_daemon->enter());
+    m_service = std::make_unique<ScriptedService>();
+    m_connector = std::make_unique<CConnector>();
+}
+
+void tst_ConnectionWait::cleanup()
+{
+    QVERIFY2(m_service->isDone(), m_service->report());
+    m_service.reset();
+    m_connector.reset();
+    m_daemon.reset();
+}
+
+void tst_ConnectionWait::cleanupTestCase()
+{
+    PrivateBus::gconfTool({QStringLiteral("--shutdown")});
+}
+
+// Has the daemon report a state that is not connected, and forgets the calls until then.
+void tst_ConnectionWait::goOffline(quint32 state)
+{
+    QSignalSpy changes(m_connector.get(), &CConnector::connectionStateChanged);
+    m_daemon->reportState(state);
+    QTRY_COMPARE(changes.size(), 1);
+    QVERIFY(!m_connector->isConnected());
+    m_daemon->takeCalls();
+}
+
+void tst_ConnectionWait::sentAtOnceInAConnectedState_data()
+{
+    QTest::addColumn<quint32>("state");
+
+    QTest::newRow("connected") << 2U;
+    QTest::newRow("disconnecting") << 3U;
+    QTest::newRow("limited") << 4U;
+}
+
+void tst_ConnectionWait::sentAtOnceInAConnectedState()
+{
+    QFETCH(quint32, state);
+
+    m_daemon->reportState(state);
+    QTRY_VERIFY(m_connector->isConnected());
+    m_daemon->takeCalls();
+
+    m_service->expect("GetServiceTerms", "terms");
+    Request request;
+    request.send();
+    QTRY_COMPARE(request.resultCount(), 1);
+    QCOMPARE(request.response(), QStringLiteral("terms"));
+    QCOMPARE(request.error(), QString());
+    QCOMPARE(m_daemon->members(), QStringList());
+}
+
+void tst_ConnectionWait::connectionIsAskedForInOtherStates_data()
+{
+    QTest::addColumn<quint32>("state");
+
+    QTest::newRow("disconnected") << 0U;
+    QTest::newRow("connecting") << 1U;
+    QTest::newRow("limited disabled") << 5U;
+    QTest::newRow("searching") << 8U;
+}
+
+void tst_ConnectionWait::connectionIsAskedForInOtherStates()
+{
+    QFETCH(quint32, state);
+
+    goOffline(state);
+    m_daemon->setStateOnConnect(2);
+    m_service->expect("GetServiceTerms", "terms");
+    Request request;
+    request.send();
+    QTRY_COMPARE(request.resultCount(), 1);
+    QCOMPARE(request.response(), QStringLiteral("terms"));
+    QCOMPARE(request.error(), QString());
+    QCOMPARE(m_daemon->members(), QStringList{QStringLiteral("connect_req")});
+}
+
+void tst_ConnectionWait::emptySettingShowsTheChooser_data()
+{
+    QTest::addColumn<int>("failures");
+    QTest::addColumn<int>("calls");
+
+    QTest::newRow("shown at once") << 0 << 1;
+    QTest::newRow("shown the third time") << 2 << 3;
+    QTest::newRow("never shown") << 3 << 3;
+}
+
+void tst_ConnectionWait::emptySettingShowsTheChooser()
+{
+    QFETCH(int, failures);
+    QFETCH(int, calls);
+
+    QVERIFY(configure(""));
+    goOffline();
+    m_daemon->failChooser(failures);
+    m_service->expect("GetServiceTerms", "terms");
+    // The member chooses a network once the chooser was asked for.
+    QTimer choice;
+    connect(&choice, &QTimer::timeout, this, [&] {
+        choice.stop();
+        m_daemon->reportState(2);
+    });
+    choice.start(0);
+    Request request;
+    request.send();
+    QTRY_COMPARE(request.resultCount(), 1);
+    QCOMPARE(request.response(), QStringLiteral("terms"));
+    QCOMPARE(m_daemon->members(), QStringList(calls, QStringLiteral("show_conn_dlg")));
+}
+
+void tst_ConnectionWait::noConnectionIsReportedOnceAndNothingIsSent_data()
+{
+    QTest::addColumn<bool>("daemonIsThere");
+
+    QTest::newRow("daemon finds none") << true;
+    QTest::newRow("no daemon") << false;
+}
+
+void tst_ConnectionWait::noConnectionIsReportedOnceAndNothingIsSent()
+{
+    QFETCH(bool, daemonIsThere);
+
+    if (!daemonIsThere)
+        m_daemon->leave();
+    testTimeConstants().connectionWait = 200;
+    testTimeConstants().formTimeout = 50;
+    Request request;
+    QElapsedTimer timer;
+    timer.start();
+    request.send();
+    // Reported before the operation returns, and not before the time is over.
+    QCOMPARE(request.resultCount(), 1);
+    QVERIFY2(timer.elapsed() >= 150, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(request.response(), QStringLiteral("ERROR:no connection"));
+    QCOMPARE(request.error(), QStringLiteral("Unable to create a connection"));
+
+    // Nothing was started that would end later: twice the response time-out brings nothing more.
+    bool over = false;
+    QTimer::singleShot(2 * testTimeConstants().formTimeout, this, [&] { over = true; });
+    QTRY_VERIFY(over);
+    QCOMPARE(request.resultCount(), 1);
+    QCOMPARE(m_service->connectionCount(), 0);
+}
+
+void tst_ConnectionWait::lateConnectionSendsNothing()
+{
+    testTimeConstants().connectionWait = 50;
+    Request request;
+    request.send();
+    QCOMPARE(request.response(), QStringLiteral("ERROR:no connection"));
+    m_daemon->reportState(2);
+    QTRY_VERIFY(m_connector->isConnected());
+    QCOMPARE(request.resultCount(), 1);
+    QCOMPARE(m_service->connectionCount(), 0);
+
+    // The next one on the same object goes.
+    m_service->expect("GetServiceTerms", "terms");
+    request.send();
+    QTRY_COMPARE(request.resultCount(), 2);
+}
+
+void tst_ConnectionWait::searchReportsDoNotEndTheWait()
+{
+    testTimeConstants().connectionWait = 300;
+    QTimer::singleShot(0, this, [this] {
+        m_daemon->report({QString(), 8U});
+        m_daemon->report({QString(), 9U});
+        m_daemon->report({2U});
+        m_daemon->report(StandInDaemon::stateArguments(2).first(7));
+    });
+    Request request;
+    request.send();
+    QCOMPARE(request.resultCount(), 1);
+    QCOMPARE(request.response(), QStringLiteral("ERROR:no connection"));
+}
+
+void tst_ConnectionWait::limitThatPassesAfterTheConnectionIsHarmless()
+{
+    testTimeConstants().connectionWait = 300;
+    goOffline();
+    m_daemon->setStateOnConnect(4);
+    m_service->expectHeld("GetServiceTerms", "terms");
+    Request request;
+    request.send();
+    QCOMPARE(request.resultCount(), 0);
+    bool passed = false;
+    QTimer::singleShot(2 * testTimeConstants().connectionWait, this, [&] { passed = true; });
+    QTRY_VERIFY(passed);
+    QTRY_VERIFY(m_service->isHolding());
+    QVERIFY(m_service->release());
+    QTRY_COMPARE(request.resultCount(), 1);
+    QCOMPARE(request.response(), QStringLiteral("terms"));
+}
+
+void tst_ConnectionWait::secondRequestDoesNotAskAgain()
+{
+    goOffline();
+    m_daemon->setStateOnConnect(2);
+    Request request;
+    for (int count = 1; count <= 2; ++count) {
+        m_service->expect("GetServiceTerms", "terms");
+        request.send();
+        QTRY_COMPARE(request.resultCount(), count);
+    }
+    QCOMPARE(m_daemon->members(), QStringList{QStringLiteral("connect_req")});
+}
+
+void tst_ConnectionWait::daemonMayComeDuringTheWait()
+{
+    m_daemon->leave();
+    m_service->expect("GetServiceTerms", "terms");
+    QTimer::singleShot(0, this, [this] {
+        QVERIFY(m_daemon->enter());
+        m_daemon->reportState(2);
+    });
+    Request request;
+    request.send();
+    QTRY_COMPARE(request.resultCount(), 1);
+    QCOMPARE(request.response(), QStringLiteral("terms"));
+}
+
+void tst_ConnectionWait::daemonMayGoDuringTheWait()
+{
+    testTimeConstants().connectionWait = 300;
+    goOffline();
+    QTimer::singleShot(0, this, [this] {
+        m_daemon->reportState(1);
+        m_daemon->leave();
+    });
+    Request request;
+    request.send();
+    QCOMPARE(request.resultCount(), 1);
+    QCOMPARE(request.response(), QStringLiteral("ERROR:no connection"));
+}
+
+void tst_ConnectionWait::silentDaemonHoldsUpNoLongerThanItsCalls()
+{
+    testTimeConstants().connectionWait = 300;
+    testTimeConstants().busCallTimeout = 100;
+    // The objects of init() were made with the program's own time-out.
+    m_connector = std::make_unique<CConnector>();
+    QVERIFY(configure(""));
+    m_daemon->setSilent(true);
+    Request request;
+    QElapsedTimer timer;
+    timer.start();
+    request.send();
+    QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(request.resultCount(), 1);
+    QCOMPARE(request.response(), QStringLiteral("ERROR:no connection"));
+    QCOMPARE(m_service->connectionCount(), 0);
+}
+
+void tst_ConnectionWait::inputIsDeadAndTimersLiveDuringTheWait()
+{
+    QPushButton button;
+    button.resize(200, 60);
+    button.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&button));
+    QSignalSpy clicks(&button, &QPushButton::clicked);
+
+    // The member clicks while the request waits, as the window system would tell it.
+    const QPoint centre = button.rect().center();
+    const auto mouse = [&](Qt::MouseButtons held, QEvent::Type type) {
+        QWindowSystemInterface::handleMouseEvent<QWindowSystemInterface::AsynchronousDelivery>(
+            button.windowHandle(), centre, button.mapToGlobal(centre), held, Qt::LeftButton, type);
+    };
+    const auto click = [&] {
+        mouse(Qt::LeftButton, QEvent::MouseButtonPress);
+        mouse(Qt::NoButton, QEvent::MouseButtonRelease);
+    };
+    int ticks = 0;
+    QTimer ticker;
+    connect(&ticker, &QTimer::timeout, this, [&] {
+        ++ticks;
+        if (ticks == 2)
+            click();
+        if (ticks == 20)
+            m_daemon->reportState(2);
+    });
+
+    goOffline();
+    m_service->expectHeld("GetServiceTerms", "terms");
+    Request request;
+    ticker.start(5);
+    request.send();
+    QVERIFY(ticks >= 20);
+    QCOMPARE(clicks.size(), 0);
+
+    // What was clicked is not lost: it is taken once the wait is over.
+    QTRY_COMPARE(clicks.size(), 1);
+    QTRY_VERIFY(m_service->isHolding());
+    m_service->release();
+    QTRY_COMPARE(request.resultCount(), 1);
+}
+
+void tst_ConnectionWait::requestMayBeDeletedDuringTheWait()
+{
+    goOffline();
+    Request request;
+    QTimer::singleShot(20, this, [&] { request.drop(); });
+    request.send();
+    QCOMPARE(request.resultCount(), 0);
+    QCOMPARE(m_service->connectionCount(), 0);
+}
+
+void tst_ConnectionWait::twoRequestsMayWait()
+{
+    goOffline();
+    m_service->expect("GetServiceTerms", "terms");
+    m_service->expect("GetServiceTerms", "terms");
+    Request first;
+    Request second;
+    QTimer::singleShot(0, this, [&] { second.send(); });
+    QTimer::singleShot(50, this, [this] { m_daemon->reportState(2); });
+    first.send();
+    QTRY_COMPARE(first.resultCount(), 1);
+    QTRY_COMPARE(second.resultCount(), 1);
+    QCOMPARE(first.response(), QStringLiteral("terms"));
+    QCOMPARE(second.response(), QStringLiteral("terms"));
+}
+
+KAVLOR_TEST_MAIN(tst_ConnectionWait)
+#include "tst_connectionwait.moc"
