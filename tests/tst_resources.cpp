@@ -94,10 +94,10 @@ void tst_Resources::everyPictureLoads_data()
     row(":/mainCellBG.png", 400, 87, false);
     row(":/checkboxMarked.png", 36, 36, true);
     row(":/checkboxUnmarked.png", 36, 36, true);
-    row(":/biddingOn.png", 136, 56, true);
-    row(":/reserveMet.png", 84, 56, true);
-    row(":/sold.png", 96, 56, true);
-    row(":/viewed.png", 136, 56, true);
+    row(":/biddingOn.png", 150, 60, true);
+    row(":/reserveMet.png", 86, 60, true);
+    row(":/sold.png", 98, 60, true);
+    row(":/viewed.png", 150, 60, true);
     row(":/videoicon.png", 360, 270, true);
     row(":/Breaking News.png", 86, 86, true);
     row(":/Event.png", 86, 86, true);
@@ -268,7 +268,7 @@ void tst_Resources::swappedSoldMarkIsAnotherColour()
 {
     const QImage onSale = picture(":/sold.png");
     const QImage sold = onSale.rgbSwapped();
-    const QPoint ground(onSale.width() - 12, 12);
+    const QPoint ground(onSale.width() - 15, 16);
     const QColor before = onSale.pixelColor(ground);
     const QColor after = sold.pixelColor(ground);
     QVERIFY(before.blue() > before.red() + 80);
