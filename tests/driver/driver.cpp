@@ -12,6 +12,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
+#include <QSet>
 #include <QSpinBox>
 #include <QTableView>
 #include <QTest>
@@ -109,6 +110,19 @@ QPixmap picture()
     return window->grab();
 }
 
+// Whether the cell shows more than plain areas and text, as a photo does.
+bool showsPhoto(QTableView *table, const QModelIndex &cell)
+{
+    constexpr int manyColours = 256;
+    const QImage image = table->viewport()->grab(table->visualRect(cell)).toImage();
+    QSet<QRgb> colours;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            colours.insert(image.pixel(x, y));
+    }
+    return colours.size() > manyColours;
+}
+
 QJsonObject cellCommand(Driver *driver, QTableView *table, const QJsonObject &command)
 {
     const QModelIndex cell = table->model()
@@ -117,6 +131,8 @@ QJsonObject cellCommand(Driver *driver, QTableView *table, const QJsonObject &co
         : QModelIndex();
     if (!cell.isValid())
         return failed(QStringLiteral("no such cell"));
+    if (command.value(QLatin1String("do")) == QLatin1String("photo"))
+        return showsPhoto(table, cell) ? done() : failed(QStringLiteral("no photo in the cell"));
     table->scrollTo(cell);
     return soon(driver, [table = QPointer<QTableView>(table), cell] {
         if (table)
@@ -190,7 +206,7 @@ QJsonObject Driver::run(const QJsonObject &command)
         return table && table->model() ? done(table->model()->rowCount())
                                        : failed(QStringLiteral("no rows: ") + name);
     }
-    if (action == QLatin1String("cell")) {
+    if (action == QLatin1String("cell") || action == QLatin1String("photo")) {
         auto *table = qobject_cast<QTableView *>(widget);
         return table ? cellCommand(this, table, command) : failed(QStringLiteral("no table"));
     }

@@ -165,12 +165,22 @@ bool ClientDriver::key(const QString &name, Qt::Key key)
     return until(question);
 }
 
-bool ClientDriver::clickCell(const QString &table, int row, int column)
+QJsonObject ClientDriver::cellCommand(const char *action, const QString &table, int row, int column)
 {
-    QJsonObject question = command("cell", table);
+    QJsonObject question = command(action, table);
     question.insert(QStringLiteral("row"), row);
     question.insert(QStringLiteral("column"), column);
-    return until(question);
+    return question;
+}
+
+bool ClientDriver::clickCell(const QString &table, int row, int column)
+{
+    return until(cellCommand("cell", table, row, column));
+}
+
+bool ClientDriver::waitForPhoto(const QString &table, int row, int column)
+{
+    return until(cellCommand("photo", table, row, column));
 }
 
 QString ClientDriver::text(const QString &name)

@@ -45,6 +45,8 @@ public:
     bool type(const QString &name, const QString &text);
     bool key(const QString &name, Qt::Key key);
     bool clickCell(const QString &table, int row, int column);
+    /** Waits until a cell shows a photo. */
+    bool waitForPhoto(const QString &table, int row, int column);
     /** The text shown by @p name; null when it is not there. */
     QString text(const QString &name);
     bool waitForText(const QString &name, const QString &part);
@@ -64,6 +66,7 @@ public:
 private:
     QJsonObject ask(QJsonObject command);
     bool until(const QJsonObject &command);
+    static QJsonObject cellCommand(const char *action, const QString &table, int row, int column);
 
     QTemporaryDir m_ownHome;
     QString m_home;

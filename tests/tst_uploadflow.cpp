@@ -1,0 +1,125 @@
+#include "testcase.h"
+#include "testmain.h"
+#include "wholesystem.h"
+
+#include <QDir>
+#include <QPainter>
+
+/**
+ * A member's whole way to an auction: the real client, worked by clicks and keys, against the real
+ * service.
+ */
+class tst_UploadFlow : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void aPhotoGoesFromDiskOntoAuction();
+
+private:
+    QString makePhoto();
+
+    WholeSystem m_system;
+};
+
+namespace {
+
+QString name(const char *objectName)
+{
+    return QLatin1String(objectName);
+}
+
+} // namespace
+
+void tst_UploadFlow::initTestCase()
+{
+    QVERIFY(m_system.startConnectivity());
+    QVERIFY(m_system.startService({QStringLiteral("--seed")}));
+}
+
+// A real JPEG in the member's picture folder.
+QString tst_UploadFlow::makePhoto()
+{
+    QImage image(1024, 768, QImage::Format_RGB32);
+    image.fill(QColor(120, 180, 220));
+    QPainter painter(&image);
+    painter.setBrush(QColor(240, 170, 40));
+    painter.drawEllipse(QPoint(512, 384), 250, 200);
+    painter.end();
+    const QString folder = m_system.client->home() + QStringLiteral("/Pictures");
+    QDir().mkpath(folder);
+    const QString path = folder + QStringLiteral("/sunset.jpg");
+    return image.save(path, "JPEG") ? path : QString();
+}
+
+void tst_UploadFlow::aPhotoGoesFromDiskOntoAuction()
+{
+    ClientDriver &client = *m_system.client;
+    const QString photo = makePhoto();
+    QVERIFY(!photo.isEmpty());
+    const QString demo = QStringLiteral("demo");
+#define DO(step) QVERIFY2(client.step, qPrintable(client.error()))
+    DO(start());
+    DO(click(name("loginButton")));
+    DO(type(name("lineUsername"), demo));
+    DO(type(name("linePassword"), demo));
+    DO(click(name("loginButton")));
+
+    DO(click(name("buttonUpload")));
+    DO(click(name("photoClicker")));
+    DO(chooseFile(photo));
+    DO(type(name("lineCaption"), QStringLiteral("evening at the \"lake\" <b>")));
+    DO(waitForText(name("lineCaption"), QStringLiteral("Evening at the \"lake\" <b>")));
+    DO(type(name("textDescription"), QStringLiteral("a")));
+    DO(click(name("doneButton")));
+
+    // Places has Nature below it, and that has Seaside.
+    DO(clickCell(name("categoriesTable"), 5, 1));
+    DO(waitForText(name("categorySelected"), QStringLiteral("Places")));
+    DO(clickCell(name("categoriesTable"), 1, 1));
+    DO(waitForText(name("categorySelected"), QStringLiteral("Nature")));
+    DO(clickCell(name("categoriesTable"), 1, 1));
+
+    DO(type(name("startPrice"), QStringLiteral("12")));
+    DO(type(name("reservePrice"), QStringLiteral("40")));
+    DO(type(name("buyItNowPrice"), QStringLiteral("95")));
+    DO(click(name("finalizeButton")));
+    DO(waitForText(name("auctionOverallInfo"), QStringLiteral("Places>Nature>Seaside")));
+    DO(waitForText(name("auctionOverallInfo"), QStringLiteral("Evening at the \"lake\" <b>")));
+    DO(click(name("createAuctionButton")));
+    DO(waitForText(
+        name("alertLabel"),
+        QStringLiteral("Your media has been successfully placed in the kavlor auction")));
+    DO(click(name("buttonOk")));
+    DO(waitFor(name("checkBoxOnBid"))); // on to the alert options
+    DO(close());
+#undef DO
+
+    const QList<QVariantList> rows = m_system.service.query(QStringLiteral(
+        "SELECT m.username, a.title, a.description, a.category, a.start_price, a.reserve_price,"
+        " a.buy_price, a.captured, a.media, a.state FROM auctions a JOIN members m ON m.id=a.member"
+        " ORDER BY a.id DESC LIMIT 1"));
+    QCOMPARE(rows.size(), 1);
+    const QVariantList row = rows.constFirst();
+    QCOMPARE(row.at(0).toString(), demo);
+    QCOMPARE(row.at(1).toString(), QStringLiteral("Evening at the \"lake\" <b>"));
+    QCOMPARE(row.at(2).toString(), QStringLiteral("A"));
+    QCOMPARE(row.at(3).toInt(), 611);
+    QCOMPARE(row.at(4).toInt(), 12);
+    QCOMPARE(row.at(5).toInt(), 40);
+    QCOMPARE(row.at(6).toInt(), 95);
+    QVERIFY(!row.at(7).toString().isEmpty());
+    QCOMPARE(row.at(9).toString(), QStringLiteral("running"));
+
+    QFile sent(photo);
+    QVERIFY(sent.open(QIODevice::ReadOnly));
+    QFile stored(
+        QDir(m_system.service.dataDir() + QStringLiteral("/media")).filePath(row.at(8).toString()));
+    QVERIFY2(stored.open(QIODevice::ReadOnly), qPrintable(stored.fileName()));
+    QVERIFY(stored.readAll() == sent.readAll());
+}
+
+KAVLOR_TEST_MAIN(tst_UploadFlow)
+#include "tst_uploadflow.moc"
