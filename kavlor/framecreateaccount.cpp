@@ -24,6 +24,15 @@ QString withReadableSize(QString html)
     return html.replace(printSize, QStringLiteral("'font-size:22.0pt'"));
 }
 
+// The box is not kept on the stack, since it goes with its frame if that goes while it is open.
+void showBox(QWidget *frame, QMessageBox::Icon icon, const QString &title, const QString &text)
+{
+    auto *box = new QMessageBox(icon, title, text, QMessageBox::Ok, frame);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setTextFormat(Qt::PlainText);
+    box->exec();
+}
+
 } // namespace
 
 FrameCreateAccount::FrameCreateAccount(QSettings *settings, CKavlorUser *user, QWidget *parent)
@@ -181,9 +190,8 @@ void FrameCreateAccount::ResponseReceived(QString aResponse, QString aError)
         accountAnswered(aResponse, aError);
         break;
     case NothingRequested:
-        QMessageBox::information(this, tr("HTTP"),
-                                 tr("Unknown response received: %1 %2.").arg(aResponse, aError),
-                                 QMessageBox::Ok);
+        showBox(this, QMessageBox::Information, tr("HTTP"),
+                tr("Unknown response received: %1 %2.").arg(aResponse, aError));
         break;
     }
 }
@@ -217,11 +225,9 @@ void FrameCreateAccount::accountRefused(const QString &response, const QString &
 {
     m_requestKind = NothingRequested;
     const QPointer<FrameCreateAccount> self(this);
-    QMessageBox box(this);
-    box.setTextFormat(Qt::PlainText);
-    box.setText(tr("kavlor experienced at least one error during record submission:\n%1\n%2")
-                    .arg(error, response));
-    box.exec();
+    showBox(this, QMessageBox::NoIcon, QString(),
+            tr("kavlor experienced at least one error during record submission:\n%1\n%2")
+                .arg(error, response));
     if (!self)
         return;
     m_ui->errorLabelText->setText(error);

@@ -82,8 +82,12 @@ RootViewController *RootViewController::of(const QWidget *contentFrame)
 
 void RootViewController::leave(QWidget *frame)
 {
-    // Deaf and out of sight at once: a second click must not leave it a second time.
+    // Deaf and out of sight at once: neither a second click nor a late reply must find it.
     frame->setEnabled(false);
+    const QList<CHttpTolvex *> requests =
+        frame->findChildren<CHttpTolvex *>(QString(), Qt::FindDirectChildrenOnly);
+    for (CHttpTolvex *request : requests)
+        request->disconnect(frame);
     frame->hide();
     frame->deleteLater();
 }
