@@ -111,7 +111,9 @@ void sendSiteReply(const WebSite::Reply &reply, httplib::Response &response)
     response.set_header("X-Content-Type-Options", "nosniff");
     response.set_header("Referrer-Policy", "same-origin");
     response.set_header("Cache-Control", "no-store");
-    response.status = reply.status;
+    // Without a word from us the server says 200, or 206 when a part was asked for.
+    if (reply.status != 200)
+        response.status = reply.status;
     if (!reply.cookie.isEmpty())
         response.set_header("Set-Cookie", reply.cookie.toStdString());
     if (!reply.location.isEmpty())

@@ -74,15 +74,15 @@ QString LocalServiceProcess::dataDir() const
     return m_folder.path() + QStringLiteral("/service");
 }
 
-QList<QVariantList> LocalServiceProcess::query(const QString &statement,
-                                               const QVariantList &values) const
+QList<QVariantList> LocalServiceProcess::run(const QString &options, const QString &statement,
+                                             const QVariantList &values) const
 {
     const QString name = QStringLiteral("localserviceprocess");
     QList<QVariantList> rows;
     {
         QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
         database.setDatabaseName(dataDir() + QStringLiteral("/service.sqlite"));
-        database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
+        database.setConnectOptions(options);
         database.open();
         QSqlQuery query(database);
         query.prepare(statement);
@@ -99,6 +99,17 @@ QList<QVariantList> LocalServiceProcess::query(const QString &statement,
     }
     QSqlDatabase::removeDatabase(name);
     return rows;
+}
+
+QList<QVariantList> LocalServiceProcess::query(const QString &statement,
+                                               const QVariantList &values) const
+{
+    return run(QStringLiteral("QSQLITE_OPEN_READONLY"), statement, values);
+}
+
+void LocalServiceProcess::execute(const QString &statement, const QVariantList &values) const
+{
+    run({}, statement, values);
 }
 
 QVariant LocalServiceProcess::value(const QString &statement, const QVariantList &values) const
@@ -143,8 +154,17 @@ LocalServiceProcess::Reply LocalServiceProcess::parsed(const QByteArray &raw)
     reply.status = raw.mid(9, 3).toInt();
     reply.header = raw.left(end + 2);
     reply.body = raw.mid(end + 4);
-    static const QRegularExpression type(QStringLiteral("\r\nContent-Type: ([^\r]*)\r\n"),
-                                         QRegularExpression::CaseInsensitiveOption);
-    reply.type = type.match(QString::fromLatin1(reply.header)).captured(1).toLatin1();
+    reply.type = headerValue(reply, "Content-Type");
     return reply;
+}
+
+QByteArray LocalServiceProcess::headerValue(const Reply &reply, const QByteArray &name)
+{
+    const QList<QByteArray> lines = reply.header.split('\n');
+    for (const QByteArray &line : lines) {
+        const qsizetype colon = line.indexOf(':');
+        if (colon > 0 && line.left(colon).compare(name, Qt::CaseInsensitive) == 0)
+            return line.mid(colon + 1).trimmed();
+    }
+    return {};
 }

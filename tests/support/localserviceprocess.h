@@ -44,6 +44,8 @@ public:
 
     /** The rows of a query on the service's database, read only; a failed query is a warning. */
     QList<QVariantList> query(const QString &statement, const QVariantList &values = {}) const;
+    /** Changes the service's records behind its back, such as an auction's end. */
+    void execute(const QString &statement, const QVariantList &values = {}) const;
     /** The first value of query(), or an invalid one. */
     QVariant value(const QString &statement, const QVariantList &values = {}) const;
 
@@ -54,8 +56,13 @@ public:
     Reply get(const QByteArray &path, const QByteArray &headerLines = {}) const;
 
     static Reply parsed(const QByteArray &raw);
+    /** The value of a header line of a reply; empty = it has none. */
+    static QByteArray headerValue(const Reply &reply, const QByteArray &name);
 
 private:
+    QList<QVariantList> run(const QString &options, const QString &statement,
+                            const QVariantList &values) const;
+
     QTemporaryDir m_folder;
     QProcess m_process;
     int m_port = 0;

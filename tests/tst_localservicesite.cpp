@@ -1,0 +1,530 @@
+#include "localserviceprocess.h"
+#include "testcase.h"
+#include "testmain.h"
+#include "uploadrequest.h"
+#include "webvisitor.h"
+
+#include <QRegularExpression>
+
+class tst_LocalServiceSite : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void pagesCarrySecurityHeaders_data();
+    void pagesCarrySecurityHeaders();
+    void unknownPagesAreNotFound_data();
+    void unknownPagesAreNotFound();
+    void otherHostNamesAreRefused();
+    void everyTextIsEscaped();
+    void anAuctionsPageCountsAView();
+    void bidsAreTaken();
+    void bidsRefused_data();
+    void bidsRefused();
+    void buyingNowSells();
+    void anAuctionEndsSoldOrUnsold_data();
+    void anAuctionEndsSoldOrUnsold();
+    void forgedPostsAreRefused_data();
+    void forgedPostsAreRefused();
+    void sellersGetTheMailsTheyChose();
+    void mediaIsServedInParts();
+
+    void aForgottenPasswordIsReplacedOnce();
+    void passwordLinksTellNobodyWhoIsAMember();
+    void badNewPasswordsAreRefused_data();
+    void badNewPasswordsAreRefused();
+    void oldPasswordLinksAreRefused();
+
+private:
+    qint64 newAuction(const UploadRequest &upload = {}) const;
+    QString state(qint64 auction) const;
+    QStringList mailSubjects() const;
+    QByteArray newestLink() const;
+    QByteArray askForLink(const QByteArray &member);
+
+    LocalServiceProcess m_service;
+};
+
+void tst_LocalServiceSite::initTestCase()
+{
+    QVERIFY(m_service.start());
+    QCOMPARE(m_service
+                 .post("CreateAccount",
+                       "Password2=secret&Username=m1&Password1=secret&EmailAddress=m1@example.org")
+                 .body,
+             QByteArray("1"));
+}
+
+qint64 tst_LocalServiceSite::newAuction(const UploadRequest &upload) const
+{
+    return m_service.send(upload.bytes()).body.toLongLong();
+}
+
+QString tst_LocalServiceSite::state(qint64 auction) const
+{
+    return m_service.value(QStringLiteral("SELECT state FROM auctions WHERE id = ?"), {auction})
+        .toString();
+}
+
+QStringList tst_LocalServiceSite::mailSubjects() const
+{
+    QStringList subjects;
+    const QList<QVariantList> rows =
+        m_service.query(QStringLiteral("SELECT subject FROM mails ORDER BY id"));
+    for (const QVariantList &row : rows)
+        subjects.append(row.first().toString());
+    return subjects;
+}
+
+void tst_LocalServiceSite::pagesCarrySecurityHeaders_data()
+{
+    QTest::addColumn<QByteArray>("path");
+
+    for (const char *path : {"/", "/outbox", "/index.php?do=forgotpass", "/nowhere"})
+        QTest::newRow(path) << QByteArray(path);
+}
+
+void tst_LocalServiceSite::pagesCarrySecurityHeaders()
+{
+    QFETCH(QByteArray, path);
+
+    const LocalServiceProcess::Reply reply = m_service.get(path);
+    const QByteArray policy = LocalServiceProcess::headerValue(reply, "Content-Security-Policy");
+    QVERIFY(policy.contains("default-src 'self'"));
+    QVERIFY(policy.contains("script-src 'none'"));
+    QVERIFY(policy.contains("frame-ancestors 'none'"));
+    QCOMPARE(LocalServiceProcess::headerValue(reply, "X-Content-Type-Options"),
+             QByteArray("nosniff"));
+    const QByteArray cookie = LocalServiceProcess::headerValue(reply, "Set-Cookie");
+    QVERIFY2(cookie.contains("HttpOnly") && cookie.contains("SameSite=Strict"), cookie.constData());
+    QVERIFY(!reply.body.contains("<script"));
+    QVERIFY(!reply.body.contains("http://") && !reply.body.contains("https://"));
+}
+
+void tst_LocalServiceSite::unknownPagesAreNotFound_data()
+{
+    QTest::addColumn<QByteArray>("path");
+
+    for (const char *path :
+         {"/nowhere", "/auction", "/auction?id=999999", "/auction?id=-1",
+          "/auction?id=1%20OR%201=1", "/thumbnail?id=999999", "/media?id=999999",
+          "/media?id=../service.sqlite", "/index.php", "/index.php?do=newpass&secret=0123",
+          "/tolvex/GetMyAuctions/", "/../service.sqlite"}) {
+        QTest::newRow(path) << QByteArray(path);
+    }
+}
+
+void tst_LocalServiceSite::unknownPagesAreNotFound()
+{
+    QFETCH(QByteArray, path);
+
+    QCOMPARE(m_service.get(path).status, 404);
+}
+
+void tst_LocalServiceSite::otherHostNamesAreRefused()
+{
+    for (const char *host : {"auctions.example.org", "localhost.example.org:80", ""}) {
+        const LocalServiceProcess::Reply reply =
+            m_service.send("GET /outbox HTTP/1.1\r\nHost: " + QByteArray(host) + "\r\n\r\n");
+        QCOMPARE(reply.status, 403);
+    }
+    QCOMPARE(m_service.send("GET /outbox HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n").status, 200);
+}
+
+void tst_LocalServiceSite::everyTextIsEscaped()
+{
+    const QByteArray evil = "<script>alert('1')</script>\"onload=\"x";
+    UploadRequest upload;
+    upload.set("Description", evil + " title");
+    upload.set("LongDescription", evil + " text %1 %2");
+    const qint64 id = newAuction(upload);
+    WebVisitor visitor(m_service);
+    const QByteArray page = "/auction?id=" + QByteArray::number(id);
+    visitor.open(page);
+    const WebVisitor::Form form{{"id", QByteArray::number(id)},
+                                {"name", evil},
+                                {"email", "ines@example.org"},
+                                {"amount", "7"},
+                                {"question", evil + " question"}};
+    QCOMPARE(visitor.submit("/auction/bid", form).status, 303);
+    QCOMPARE(visitor.submit("/auction/question", form).status, 303);
+
+    const LocalServiceProcess::Reply typedAgain = visitor.submit("/auction/bid", form);
+    QCOMPARE(typedAgain.status, 422);
+    for (const QByteArray &body : {visitor.open("/").body, visitor.open(page).body,
+                                   visitor.open("/outbox").body, typedAgain.body}) {
+        QVERIFY(body.contains("&lt;script&gt;alert("));
+        QVERIFY(!body.contains("<script"));
+        QVERIFY(!body.contains("\"onload=\""));
+    }
+    QVERIFY(visitor.open(page).body.contains("text %1 %2"));
+}
+
+void tst_LocalServiceSite::anAuctionsPageCountsAView()
+{
+    const qint64 id = newAuction();
+    const QByteArray page = "/auction?id=" + QByteArray::number(id);
+    const auto views = [this, id] {
+        return m_service.value(QStringLiteral("SELECT views FROM auctions WHERE id = ?"), {id})
+            .toInt();
+    };
+    WebVisitor visitor(m_service);
+    visitor.open(page);
+    visitor.open(page);
+    QCOMPARE(views(), 2);
+    visitor.open("/");
+    visitor.open("/thumbnail?id=" + QByteArray::number(id));
+    visitor.open(page + "&done=bid");
+    m_service.send("HEAD " + page + " HTTP/1.1\r\nHost: localhost\r\n\r\n");
+    QCOMPARE(views(), 2);
+}
+
+void tst_LocalServiceSite::bidsAreTaken()
+{
+    const qint64 id = newAuction();
+    WebVisitor visitor(m_service);
+    const LocalServiceProcess::Reply reply = visitor.bid(id, 5);
+    QCOMPARE(reply.status, 303);
+    const QByteArray back = LocalServiceProcess::headerValue(reply, "Location");
+    QCOMPARE(back, "/auction?id=" + QByteArray::number(id) + "&done=bid");
+    const QByteArray page = visitor.open(back).body;
+    QVERIFY(page.contains("your bid has been placed"));
+    QVERIFY(page.contains("USD 5"));
+    QCOMPARE(visitor.bid(id, 5).status, 422);
+    QCOMPARE(visitor.bid(id, 6).status, 303);
+    QCOMPARE(
+        m_service.query(QStringLiteral("SELECT bidder, email, amount FROM bids WHERE auction = ?"
+                                       " ORDER BY id"),
+                        {id}),
+        (QList<QVariantList>{{QStringLiteral("Ines"), QStringLiteral("ines@example.org"), 5},
+                             {QStringLiteral("Ines"), QStringLiteral("ines@example.org"), 6}}));
+}
+
+void tst_LocalServiceSite::bidsRefused_data()
+{
+    QTest::addColumn<QByteArray>("field");
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<QByteArray>("says");
+
+    const auto row = [](const char *name, const QByteArray &field, const QByteArray &value,
+                        const QByteArray &says) { QTest::newRow(name) << field << value << says; };
+    row("below the start", "amount", "4", "at least USD 5");
+    row("no amount", "amount", "", "at least USD 5");
+    row("cents", "amount", "7.50", "whole US dollars");
+    row("negative", "amount", "-7", "at least USD 5");
+    row("beyond all prices", "amount", "1000000000", "at least USD 5");
+    row("no name", "name", "", "your name");
+    row("blank name", "name", "  ", "your name");
+    row("name too long", "name", QByteArray(101, 'n'), "your name");
+    row("no e-mail", "email", "", "e-mail address");
+    row("no e-mail address", "email", "ines", "e-mail address");
+    row("two lines of e-mail", "email", "a@b\nBcc: c@d", "e-mail address");
+}
+
+void tst_LocalServiceSite::bidsRefused()
+{
+    QFETCH(QByteArray, field);
+    QFETCH(QByteArray, value);
+    QFETCH(QByteArray, says);
+
+    const qint64 id = newAuction();
+    WebVisitor visitor(m_service);
+    visitor.open("/auction?id=" + QByteArray::number(id));
+    WebVisitor::Form form{{"id", QByteArray::number(id)},
+                          {"name", "Ines"},
+                          {"email", "ines@example.org"},
+                          {"amount", "7"}};
+    for (auto &pair : form) {
+        if (pair.first == field)
+            pair.second = value;
+    }
+    const LocalServiceProcess::Reply reply = visitor.submit("/auction/bid", form);
+    QCOMPARE(reply.status, 422);
+    QVERIFY2(reply.body.contains(says), reply.body.constData());
+    QCOMPARE(m_service.value(QStringLiteral("SELECT count(*) FROM bids WHERE auction = ?"), {id})
+                 .toInt(),
+             0);
+}
+
+void tst_LocalServiceSite::buyingNowSells()
+{
+    UploadRequest upload;
+    upload.set("BuyItNowPrice", "50");
+    const qint64 id = newAuction(upload);
+    const QByteArray page = "/auction?id=" + QByteArray::number(id);
+    WebVisitor visitor(m_service);
+    QVERIFY(visitor.open(page).body.contains("id=\"buy-submit\""));
+    QCOMPARE(visitor.buy(id).status, 303);
+    QCOMPARE(state(id), QStringLiteral("sold"));
+
+    const QByteArray sold = visitor.open(page).body;
+    QVERIFY(sold.contains("badge sold"));
+    QVERIFY(!sold.contains("id=\"buy-submit\"") && !sold.contains("id=\"bid-submit\""));
+    QCOMPARE(visitor.buy(id).status, 422);
+    QCOMPARE(visitor.bid(id, 100).status, 422);
+
+    // Not offered without a price, and no more once a bid has reached it.
+    const qint64 priceless = newAuction();
+    QVERIFY(
+        !visitor.open("/auction?id=" + QByteArray::number(priceless)).body.contains("buy-submit"));
+    QCOMPARE(visitor.buy(priceless).status, 422);
+    const qint64 overtaken = newAuction(upload);
+    QCOMPARE(visitor.bid(overtaken, 50).status, 303);
+    QCOMPARE(visitor.buy(overtaken).status, 422);
+    QCOMPARE(state(overtaken), QStringLiteral("running"));
+}
+
+void tst_LocalServiceSite::anAuctionEndsSoldOrUnsold_data()
+{
+    QTest::addColumn<QByteArray>("reserve");
+    QTest::addColumn<int>("bid");
+    QTest::addColumn<QString>("ending");
+
+    QTest::newRow("no bid") << QByteArray("1") << 0 << "unsold";
+    QTest::newRow("a bid and no reserve") << QByteArray("1") << 5 << "sold";
+    QTest::newRow("below the reserve") << QByteArray("20") << 19 << "unsold";
+    QTest::newRow("reserve met") << QByteArray("20") << 20 << "sold";
+}
+
+void tst_LocalServiceSite::anAuctionEndsSoldOrUnsold()
+{
+    QFETCH(QByteArray, reserve);
+    QFETCH(int, bid);
+    QFETCH(QString, ending);
+
+    UploadRequest upload;
+    upload.set("ReservePrice", reserve);
+    const qint64 id = newAuction(upload);
+    WebVisitor visitor(m_service);
+    if (bid > 0)
+        QCOMPARE(visitor.bid(id, bid).status, 303);
+    m_service.execute(QStringLiteral("UPDATE auctions SET ends = 1 WHERE id = ?"), {id});
+    visitor.open("/");
+    QCOMPARE(state(id), ending);
+    QCOMPARE(m_service.value(QStringLiteral("SELECT sold_price FROM auctions WHERE id = ?"), {id})
+                 .toInt(),
+             ending == QLatin1String("sold") ? bid : 0);
+    const QByteArray page = visitor.open("/auction?id=" + QByteArray::number(id)).body;
+    QCOMPARE(page.contains("badge sold"), ending == QLatin1String("sold"));
+    QCOMPARE(visitor.bid(id, 100).status, 422);
+}
+
+void tst_LocalServiceSite::forgedPostsAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<QByteArray>("token"); // "own" = the visitor's
+    QTest::addColumn<bool>("hasCookie");
+    QTest::addColumn<QByteArray>("origin");
+
+    for (const char *path :
+         {"/auction/bid", "/auction/buy", "/auction/question", "/index.php?do=forgotpass"}) {
+        QTest::addRow("no token: %s", path)
+            << QByteArray(path) << QByteArray() << true << QByteArray();
+        QTest::addRow("guessed token: %s", path)
+            << QByteArray(path) << QByteArray(64, '0') << true << QByteArray();
+        QTest::addRow("no cookie: %s", path)
+            << QByteArray(path) << QByteArray("own") << false << QByteArray();
+        QTest::addRow("other site: %s", path)
+            << QByteArray(path) << QByteArray("own") << true << QByteArray("http://example.org");
+        QTest::addRow("site without a name: %s", path)
+            << QByteArray(path) << QByteArray("own") << true << QByteArray("null");
+        QTest::addRow("other port: %s", path)
+            << QByteArray(path) << QByteArray("own") << true << QByteArray("http://localhost:1");
+    }
+}
+
+void tst_LocalServiceSite::forgedPostsAreRefused()
+{
+    QFETCH(QByteArray, path);
+    QFETCH(QByteArray, token);
+    QFETCH(bool, hasCookie);
+    QFETCH(QByteArray, origin);
+
+    UploadRequest upload;
+    upload.set("BuyItNowPrice", "50");
+    const qint64 id = newAuction(upload);
+    WebVisitor visitor(m_service);
+    visitor.open("/auction?id=" + QByteArray::number(id));
+    const int mails = int(mailSubjects().size());
+    const QByteArray body = "id=" + QByteArray::number(id)
+        + "&name=Ines&email=ines@example.org&amount=7&question=What&member=m1&token="
+        + (token == "own" ? visitor.token() : token);
+    const QByteArray originLine = origin.isEmpty() ? QByteArray() : "Origin: " + origin + "\r\n";
+    WebVisitor stranger(m_service);
+    const LocalServiceProcess::Reply reply =
+        (hasCookie ? visitor : stranger).post(path, body, originLine);
+    QCOMPARE(reply.status, 403);
+    QCOMPARE(state(id), QStringLiteral("running"));
+    QCOMPARE(m_service.value(QStringLiteral("SELECT count(*) FROM bids WHERE auction = ?"), {id})
+                 .toInt(),
+             0);
+    QCOMPARE(int(mailSubjects().size()), mails);
+
+    // The very same post from the site's own page is heeded.
+    const QByteArray ownOrigin =
+        "Origin: http://localhost:" + QByteArray::number(m_service.port()) + "\r\n";
+    const QByteArray ownBody = body.left(body.lastIndexOf('=') + 1) + visitor.token();
+    QVERIFY(visitor.post(path, ownBody, ownOrigin).status < 400);
+}
+
+void tst_LocalServiceSite::sellersGetTheMailsTheyChose()
+{
+    const auto choose = [this](const QByteArray &flag) {
+        return m_service
+            .post("SetNotificationOptions",
+                  "Username=m1&Password=secret&NotifyOnBid=" + flag + "&NotifyOnAuctionEnd=" + flag
+                      + "&NotifyOnView=" + flag + "&NotifyOnBuyerQuestion=" + flag)
+            .body;
+    };
+    UploadRequest upload;
+    upload.set("BuyItNowPrice", "50");
+    const auto visit = [this, &upload] {
+        const qint64 id = newAuction(upload);
+        WebVisitor visitor(m_service);
+        visitor.bid(id, 7);
+        visitor.submit("/auction/question",
+                       {{"id", QByteArray::number(id)},
+                        {"name", "Ines"},
+                        {"email", "ines@example.org"},
+                        {"question", "Which lens was it?"}});
+        visitor.submit(
+            "/auction/buy",
+            {{"id", QByteArray::number(id)}, {"name", "Ines"}, {"email", "ines@example.org"}});
+        return state(id);
+    };
+    m_service.execute(QStringLiteral("DELETE FROM mails"));
+    QCOMPARE(choose("0"), QByteArray("1"));
+    QCOMPARE(visit(), QStringLiteral("sold"));
+    QCOMPARE(mailSubjects(), QStringList());
+
+    QCOMPARE(choose("1"), QByteArray("1"));
+    QCOMPARE(visit(), QStringLiteral("sold"));
+    QCOMPARE(mailSubjects(),
+             (QStringList{QStringLiteral("Your auction has been viewed"),
+                          QStringLiteral("A bid on your auction"),
+                          QStringLiteral("A question about your auction"),
+                          QStringLiteral("Your auction is won")}));
+    const QByteArray outbox = m_service.get("/outbox").body;
+    QVERIFY(outbox.contains("To m1@example.org"));
+    QVERIFY(outbox.contains("Which lens was it?"));
+    QVERIFY(outbox.contains("Ines bids USD 7"));
+    QVERIFY(outbox.contains("buys it for USD 50"));
+}
+
+void tst_LocalServiceSite::mediaIsServedInParts()
+{
+    UploadRequest upload;
+    upload.mediaName = "1.mp4";
+    upload.media = "0123456789";
+    const QByteArray path = "/media?id=" + QByteArray::number(newAuction(upload));
+    const LocalServiceProcess::Reply whole = m_service.get(path);
+    QCOMPARE(whole.status, 200);
+    QCOMPARE(whole.type, QByteArray("video/mp4"));
+    QCOMPARE(whole.body, upload.media);
+    const LocalServiceProcess::Reply part = m_service.get(path, "Range: bytes=3-5\r\n");
+    QCOMPARE(part.status, 206);
+    QCOMPARE(part.body, QByteArray("345"));
+}
+
+QByteArray tst_LocalServiceSite::askForLink(const QByteArray &member)
+{
+    WebVisitor visitor(m_service);
+    visitor.open("/index.php?do=forgotpass");
+    return visitor.submit("/index.php?do=forgotpass", {{"member", member}}).body;
+}
+
+// The path of the link in the newest mail.
+QByteArray tst_LocalServiceSite::newestLink() const
+{
+    const QString mail =
+        m_service.value(QStringLiteral("SELECT body FROM mails ORDER BY id DESC LIMIT 1"))
+            .toString();
+    static const QRegularExpression link(QStringLiteral("http://localhost:\\d+(/index\\.php\\S+)"));
+    return link.match(mail).captured(1).toLatin1();
+}
+
+void tst_LocalServiceSite::aForgottenPasswordIsReplacedOnce()
+{
+    QVERIFY(m_service
+                .post("CreateAccount",
+                      "Username=f1&Password1=old&Password2=old&EmailAddress=f1@example.org")
+                .body.toInt()
+            > 0);
+    for (const char *member : {"f1", "f1@example.org"}) {
+        askForLink(member);
+        const QByteArray link = newestLink();
+        const QByteArray secret = link.mid(link.lastIndexOf('=') + 1);
+        QCOMPARE(secret.size(), 32);
+        QVERIFY(m_service
+                    .query(QStringLiteral("SELECT 1 FROM password_links WHERE secret = ?"),
+                           {QString::fromLatin1(secret)})
+                    .isEmpty());
+
+        WebVisitor visitor(m_service);
+        QCOMPARE(visitor.open(link).status, 200);
+        const WebVisitor::Form form{
+            {"secret", secret}, {"password1", member}, {"password2", member}};
+        QCOMPARE(visitor.submit("/index.php?do=newpass", form).status, 200);
+        QCOMPARE(m_service.post("ValidateLogin", "Username=f1&Password=" + QByteArray(member)).body,
+                 QByteArray("1"));
+        QCOMPARE(m_service.post("ValidateLogin", "Username=f1&Password=old").body, QByteArray("0"));
+
+        QCOMPARE(visitor.open(link).status, 404);
+        const WebVisitor::Form again{{"secret", secret}, {"password1", "x"}, {"password2", "x"}};
+        QCOMPARE(visitor.submit("/index.php?do=newpass", again).status, 422);
+        QCOMPARE(m_service.post("ValidateLogin", "Username=f1&Password=x").body, QByteArray("0"));
+    }
+}
+
+void tst_LocalServiceSite::passwordLinksTellNobodyWhoIsAMember()
+{
+    const int mails = int(mailSubjects().size());
+    const QByteArray known = askForLink("m1");
+    QCOMPARE(int(mailSubjects().size()), mails + 1);
+    for (const char *stranger : {"nobody", "nobody@example.org", "", "' OR 1=1 --", "%"})
+        QCOMPARE(askForLink(stranger), known);
+    QCOMPARE(int(mailSubjects().size()), mails + 1);
+}
+
+void tst_LocalServiceSite::badNewPasswordsAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("password1");
+    QTest::addColumn<QByteArray>("password2");
+
+    QTest::newRow("empty") << QByteArray() << QByteArray();
+    QTest::newRow("differ") << QByteArray("a") << QByteArray("b");
+    QTest::newRow("too long") << QByteArray(101, 'p') << QByteArray(101, 'p');
+}
+
+void tst_LocalServiceSite::badNewPasswordsAreRefused()
+{
+    QFETCH(QByteArray, password1);
+    QFETCH(QByteArray, password2);
+
+    askForLink("m1");
+    const QByteArray link = newestLink();
+    const QByteArray secret = link.mid(link.lastIndexOf('=') + 1);
+    WebVisitor visitor(m_service);
+    visitor.open(link);
+    const WebVisitor::Form form{
+        {"secret", secret}, {"password1", password1}, {"password2", password2}};
+    const LocalServiceProcess::Reply reply = visitor.submit("/index.php?do=newpass", form);
+    QCOMPARE(reply.status, 422);
+    QVERIFY(reply.body.contains("id=\"password-submit\""));
+    QCOMPARE(m_service.post("ValidateLogin", "Username=m1&Password=secret").body, QByteArray("1"));
+    QCOMPARE(visitor.open(link).status, 200);
+}
+
+void tst_LocalServiceSite::oldPasswordLinksAreRefused()
+{
+    askForLink("m1");
+    const QByteArray link = newestLink();
+    m_service.execute(QStringLiteral("UPDATE password_links SET expires = 1"));
+    WebVisitor visitor(m_service);
+    QCOMPARE(visitor.open(link).status, 404);
+}
+
+KAVLOR_TEST_MAIN(tst_LocalServiceSite)
+#include "tst_localservicesite.moc"
