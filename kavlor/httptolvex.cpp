@@ -9,6 +9,7 @@
 #include "servicehost.h"
 #include "timeconstants.h"
 
+#include <QAuthenticator>
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
