@@ -41,7 +41,7 @@ void CKavlorCategoryStore::load(const QString &reply)
 
 QString CKavlorCategoryStore::pathText(int category)
 {
-    const QString path = instanceOrEmpty().path(category);
+    const QString path = instance() ? instance()->path(category) : QString();
     if (path.isEmpty())
         return QCoreApplication::translate("CKavlorCategoryStore", "None");
     return path.chopped(1);
