@@ -9,7 +9,7 @@
 namespace {
 
 constexpr int maxPassword = 100;
-constexpr qint64 linkSeconds = 60 * 60;
+constexpr qint64 linkSeconds = 60L * 60;
 
 struct FieldRule
 {

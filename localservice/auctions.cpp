@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr qint64 runningSeconds = 7 * 24 * 60 * 60;
+constexpr qint64 runningSeconds = 7L * 24 * 60 * 60;
 constexpr int maxDescription = 20000;
 constexpr int maxQuestion = 2000;
 

@@ -8,26 +8,26 @@ namespace {
 struct Category
 {
     int id;
-    const char *name;
     int parent;
+    const char *name;
 };
 
 const Category categories[] = {
-    {1, "Public Figures", 0}, {2, "Breaking News", 0},   {3, "Event", 0},
-    {4, "Sports", 0},         {5, "Funny", 0},           {6, "Places", 0},
-    {7, "Party", 0},          {10, "Actors", 1},         {11, "Musicians", 1},
-    {12, "Politicians", 1},   {13, "Athletes", 1},       {20, "Accidents", 2},
-    {21, "Politics", 2},      {22, "Weather", 2},        {220, "Storms", 22},
-    {221, "Floods", 22},      {222, "Snow and Ice", 22}, {30, "Concerts", 3},
-    {31, "Festivals", 3},     {32, "Exhibitions", 3},    {33, "Parades", 3},
-    {40, "Football", 4},      {41, "Motor Sports", 4},   {42, "Water Sports", 4},
-    {43, "Winter Sports", 4}, {400, "Matches", 40},      {401, "Fans", 40},
-    {402, "Stadiums", 40},    {430, "Skiing", 43},       {431, "Ice Hockey", 43},
-    {50, "Animals", 5},       {51, "Children", 5},       {52, "Signs", 5},
-    {60, "Cities", 6},        {61, "Nature", 6},         {62, "Monuments", 6},
-    {600, "By Day", 60},      {601, "By Night", 60},     {610, "Mountains", 61},
-    {611, "Seaside", 61},     {612, "Forests", 61},      {70, "Birthdays", 7},
-    {71, "Weddings", 7},      {72, "Night Clubs", 7},
+    {1, 0, "Public Figures"}, {2, 0, "Breaking News"},   {3, 0, "Event"},
+    {4, 0, "Sports"},         {5, 0, "Funny"},           {6, 0, "Places"},
+    {7, 0, "Party"},          {10, 1, "Actors"},         {11, 1, "Musicians"},
+    {12, 1, "Politicians"},   {13, 1, "Athletes"},       {20, 2, "Accidents"},
+    {21, 2, "Politics"},      {22, 2, "Weather"},        {220, 22, "Storms"},
+    {221, 22, "Floods"},      {222, 22, "Snow and Ice"}, {30, 3, "Concerts"},
+    {31, 3, "Festivals"},     {32, 3, "Exhibitions"},    {33, 3, "Parades"},
+    {40, 4, "Football"},      {41, 4, "Motor Sports"},   {42, 4, "Water Sports"},
+    {43, 4, "Winter Sports"}, {400, 40, "Matches"},      {401, 40, "Fans"},
+    {402, 40, "Stadiums"},    {430, 43, "Skiing"},       {431, 43, "Ice Hockey"},
+    {50, 5, "Animals"},       {51, 5, "Children"},       {52, 5, "Signs"},
+    {60, 6, "Cities"},        {61, 6, "Nature"},         {62, 6, "Monuments"},
+    {600, 60, "By Day"},      {601, 60, "By Night"},     {610, 61, "Mountains"},
+    {611, 61, "Seaside"},     {612, 61, "Forests"},      {70, 7, "Birthdays"},
+    {71, 7, "Weddings"},      {72, 7, "Night Clubs"},
 };
 
 const Category *find(qint64 id)

@@ -8,9 +8,11 @@ namespace {
 
 constexpr size_t threads = 16;
 constexpr time_t patienceSeconds = 60;
-constexpr qsizetype maxFormBytes = 1024 * 1024;
+constexpr qsizetype maxFormBytes = 1024L * 1024;
 // A body beyond its limit is read on for so long that its sender gets to read the refusal.
-constexpr qint64 maxIgnoredBytes = 1024 * 1024 * 1024;
+constexpr qint64 maxIgnoredBytes = 1024L * 1024 * 1024;
+
+constexpr size_t pieceBytes = 64UL * 1024;
 
 // Where the content type is kept from the server, see takeRequestAsIs().
 const char *const ownContentType = "X-Own-Content-Type";
@@ -43,14 +45,14 @@ QByteArray header(const httplib::Request &request, const char *name)
 }
 
 // Hands each piece of the body to @p take; false when the body was not complete.
-bool readBody(const httplib::ContentReader &reader,
+bool readBody(const httplib::ContentReader &reader, qint64 limit,
               const std::function<void(const QByteArray &)> &take)
 {
     qint64 total = 0;
     return reader([&](const char *data, size_t length) {
         total += qint64(length);
         take(QByteArray::fromRawData(data, qsizetype(length)));
-        return total <= maxIgnoredBytes;
+        return total <= limit + maxIgnoredBytes;
     });
 }
 
@@ -59,7 +61,7 @@ Result<QByteArray> readWhole(const httplib::ContentReader &reader)
 {
     QByteArray body;
     bool isTooLong = false;
-    const bool isWhole = readBody(reader, [&](const QByteArray &bytes) {
+    const bool isWhole = readBody(reader, maxFormBytes, [&](const QByteArray &bytes) {
         isTooLong = isTooLong || body.size() + bytes.size() > maxFormBytes;
         if (!isTooLong)
             body.append(bytes);
@@ -83,7 +85,7 @@ void sendFile(const QString &path, const QByteArray &type, httplib::Response &re
         [file](size_t offset, size_t length, httplib::DataSink &sink) {
             if (!file->seek(qint64(offset)))
                 return false;
-            const QByteArray bytes = file->read(qint64(std::min<size_t>(length, 64 * 1024)));
+            const QByteArray bytes = file->read(qint64(std::min(length, pieceBytes)));
             return !bytes.isEmpty() && sink.write(bytes.constData(), size_t(bytes.size()));
         });
 }
@@ -217,7 +219,8 @@ Operations::Reply HttpService::readUpload(const httplib::Request &request,
 {
     AuctionUpload upload(m_accounts, m_auctions, m_folder, header(request, ownContentType),
                          m_maxMediaBytes);
-    const bool isWhole = readBody(reader, [&](const QByteArray &bytes) { upload.feed(bytes); });
+    const bool isWhole =
+        readBody(reader, m_maxMediaBytes, [&](const QByteArray &bytes) { upload.feed(bytes); });
     return upload.finish(isWhole);
 }
 

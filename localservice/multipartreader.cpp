@@ -4,8 +4,8 @@
 
 namespace {
 
-constexpr qsizetype maxHeaderBytes = 8 * 1024;
-constexpr qint64 maxTextBytes = 1024 * 1024;
+constexpr qsizetype maxHeaderBytes = 8L * 1024;
+constexpr qint64 maxTextBytes = 1024L * 1024;
 
 // The value of a parameter such as name="x" in a part's header line.
 QByteArray parameter(const QByteArray &line, const char *name)

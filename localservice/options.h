@@ -7,9 +7,9 @@
 /** What the service is started with. */
 struct Options
 {
-    int port = 8470;                         ///< 0 = any free port
-    QString dataFolder;                      ///< empty = the user's own data location
-    qint64 maxMediaBytes = 64 * 1024 * 1024; ///< an upload's media may not be larger
+    int port = 8470;                          ///< 0 = any free port
+    QString dataFolder;                       ///< empty = the user's own data location
+    qint64 maxMediaBytes = 64L * 1024 * 1024; ///< an upload's media may not be larger
     bool seed = false; ///< put the trial member and auctions into an empty service
     bool help = false; ///< say helpText() and end
 

@@ -40,8 +40,8 @@ void paintHills(QPainter &painter, qreal base, qreal rise, qreal roughness, cons
     QRandomGenerator random(seed);
     const qreal phase = random.bounded(100) / 10.0;
     QPainterPath hills(QPointF(0, high));
-    for (qreal x = 0; x <= wide; x += 1) {
-        const qreal wave = std::sin(x / 14 + phase) + 0.5 * std::sin(x / 6.3 + 2 * phase);
+    for (int x = 0; x <= int(wide); ++x) {
+        const qreal wave = std::sin(x / 14.0 + phase) + 0.5 * std::sin(x / 6.3 + 2 * phase);
         const qreal jag = roughness * random.generateDouble();
         hills.lineTo(x, base - rise * (wave + 1.5) / 3 - jag);
     }
@@ -106,23 +106,27 @@ void paintMountains(QPainter &painter)
                   QColor(34, 66, 46));
 }
 
+// A dark house down to the water, with light in a third of its windows.
+void paintHouse(QPainter &painter, int x, int top, QRandomGenerator &random)
+{
+    painter.setBrush(QColor(22, 24, 44));
+    painter.drawRect(QRectF(x, top, 6.4, high - top));
+    painter.setBrush(QColor(255, 214, 122));
+    for (int y = top + 2; y < 80; y += 3) {
+        for (int window = 0; window < 3; ++window) {
+            if (random.bounded(3) == 0)
+                painter.drawRect(QRectF(x + 1 + window * 1.6, y, 0.9, 1.4));
+        }
+    }
+}
+
 void paintCityNight(QPainter &painter)
 {
     paintSky(painter, QColor(10, 14, 40), QColor(66, 58, 110));
     paintGlow(painter, {24, 18}, 5, QColor(240, 240, 214));
     QRandomGenerator random(11);
-    for (qreal x = 0; x < wide; x += 7) {
-        const qreal top = 30 + random.bounded(34);
-        painter.setBrush(QColor(22, 24, 44));
-        painter.drawRect(QRectF(x, top, 6.4, high - top));
-        painter.setBrush(QColor(255, 214, 122));
-        for (qreal y = top + 2; y < 80; y += 3) {
-            for (qreal window = x + 1; window < x + 5.5; window += 1.6) {
-                if (random.bounded(3) == 0)
-                    painter.drawRect(QRectF(window, y, 0.9, 1.4));
-            }
-        }
-    }
+    for (int house = 0; house < 18; ++house)
+        paintHouse(painter, house * 7, 30 + random.bounded(34), random);
     paintWater(painter, 80, QColor(40, 40, 76), QColor(14, 16, 38), 12);
 }
 

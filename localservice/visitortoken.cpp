@@ -2,6 +2,8 @@
 
 #include "passwords.h"
 
+#include <QList>
+
 namespace {
 const char *const cookieName = "visitor";
 }

@@ -121,7 +121,7 @@ void tst_LocalServiceUpload::anUploadBecomesAnAuction()
     const qint64 ends =
         m_service.value(QStringLiteral("SELECT ends FROM auctions WHERE id = ?"), {id})
             .toLongLong();
-    constexpr qint64 week = 7 * 24 * 60 * 60;
+    constexpr qint64 week = 7L * 24 * 60 * 60;
     QVERIFY(ends >= before + week && ends <= QDateTime::currentSecsSinceEpoch() + week);
 
     const LocalServiceProcess::Reply media = m_service.post(
@@ -369,7 +369,7 @@ void tst_LocalServiceUpload::aMediaFarOverTheLimitStillGetsToReadTheRefusal()
 {
     const int auctions = auctionCount();
     UploadRequest upload;
-    upload.media = QByteArray(40 * 1024 * 1024, 'm');
+    upload.media = QByteArray(40L * 1024 * 1024, 'm');
     expectNothingStored(m_service.send(upload.bytes()), auctions);
 }
 
