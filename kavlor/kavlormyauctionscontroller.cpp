@@ -91,6 +91,7 @@ void CKavlorMyAuctionsController::myAuctions(QString aData)
         CKavlorMyAuctionsModel::cellSize(CKavlorMyAuctionsModel::Info).height());
     table->show();
     table->setFocus();
+    table->selectRow(0); // shows where the keys begin
 }
 
 void CKavlorMyAuctionsController::thumbnail(uint aAuctionID, QPixmap aImage)
