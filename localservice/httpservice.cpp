@@ -8,6 +8,7 @@ namespace {
 
 constexpr size_t threads = 16;
 constexpr time_t patienceSeconds = 60;
+constexpr time_t silenceSeconds = 2;
 constexpr qsizetype maxFormBytes = 1024L * 1024;
 // A body beyond its limit is read on for so long that its sender gets to read the refusal.
 constexpr qint64 maxIgnoredBytes = 1024L * 1024 * 1024;
@@ -152,6 +153,8 @@ void HttpService::prepareServer()
     m_server->set_socket_options(setSocketOptions);
     // A kept connection that the service ends just when a device uses it again loses a request.
     m_server->set_keep_alive_max_count(1);
+    // How long a connection may stay silent before its request; an ending service waits for it.
+    m_server->set_keep_alive_timeout(silenceSeconds);
     m_server->set_read_timeout(patienceSeconds);
     m_server->set_write_timeout(patienceSeconds);
     m_server->set_pre_routing_handler(takeRequestAsIs);

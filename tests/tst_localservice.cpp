@@ -72,6 +72,7 @@ class tst_LocalService : public TestCase
 
 private slots:
     void initTestCase();
+    void cleanupTestCase();
 
     void badOptionsAreRefused_data();
     void badOptionsAreRefused();
@@ -131,6 +132,12 @@ void tst_LocalService::initTestCase()
     QVERIFY(m_service.start());
     QCOMPARE(post("CreateAccount", encoded(accountForm("m1"))), QByteArray("1"));
     QCOMPARE(post("CreateAccount", encoded(accountForm("m2"))), QByteArray("2"));
+}
+
+void tst_LocalService::cleanupTestCase()
+{
+    QCOMPARE(m_service.terminate(), 0);
+    QCOMPARE(m_service.complaints(), QByteArray());
 }
 
 // The body of a reply that a member's device would read as text.

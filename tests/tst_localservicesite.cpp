@@ -12,6 +12,7 @@ class tst_LocalServiceSite : public TestCase
 
 private slots:
     void initTestCase();
+    void cleanupTestCase();
 
     void pagesCarrySecurityHeaders_data();
     void pagesCarrySecurityHeaders();
@@ -55,6 +56,12 @@ void tst_LocalServiceSite::initTestCase()
                        "Password2=secret&Username=m1&Password1=secret&EmailAddress=m1@example.org")
                  .body,
              QByteArray("1"));
+}
+
+void tst_LocalServiceSite::cleanupTestCase()
+{
+    QCOMPARE(m_service.terminate(), 0);
+    QCOMPARE(m_service.complaints(), QByteArray());
 }
 
 qint64 tst_LocalServiceSite::newAuction(const UploadRequest &upload) const

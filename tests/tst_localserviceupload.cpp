@@ -20,6 +20,7 @@ class tst_LocalServiceUpload : public TestCase
 
 private slots:
     void initTestCase();
+    void cleanupTestCase();
 
     void anUploadBecomesAnAuction();
     void accepted_data();
@@ -56,6 +57,12 @@ void tst_LocalServiceUpload::initTestCase()
                        "Password2=secret&Username=m1&Password1=secret&EmailAddress=m1@example.org")
                  .body,
              QByteArray("1"));
+}
+
+void tst_LocalServiceUpload::cleanupTestCase()
+{
+    QCOMPARE(m_service.terminate(), 0);
+    QCOMPARE(m_service.complaints(), QByteArray());
 }
 
 int tst_LocalServiceUpload::auctionCount() const
@@ -284,9 +291,9 @@ void tst_LocalServiceUpload::refused_data()
     QTest::newRow("two media") << Change([](UploadRequest &upload) {
         upload.fields.emplaceBack("MediaFile", "second");
     }) << QByteArray("more than one");
-    QTest::newRow("a part without a name") << Change([](UploadRequest &upload) {
-        upload.fields.emplaceBack("", "x");
-    }) << QByteArray("without a name");
+    QTest::newRow("a part without a name")
+        << Change([](UploadRequest &upload) { upload.fields.emplaceBack("", "x"); })
+        << QByteArray("without a name");
     QTest::newRow("another boundary") << Change([](UploadRequest &upload) {
         upload.contentType = "multipart/form-data, boundary=ffffffffffffffffffffffffffffffff";
     }) << QByteArray("boundary");

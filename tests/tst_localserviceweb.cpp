@@ -13,6 +13,7 @@ class tst_LocalServiceWeb : public TestCase
 
 private slots:
     void initTestCase();
+    void cleanupTestCase();
 
     void theAuctionsOnSaleAreShownWithTheirPictures();
     void aVisitorBids();
@@ -38,6 +39,12 @@ void tst_LocalServiceWeb::initTestCase()
 {
     QVERIFY(m_service.start({QStringLiteral("--seed")}));
     VERIFY_DONE(start());
+}
+
+void tst_LocalServiceWeb::cleanupTestCase()
+{
+    QCOMPARE(m_service.terminate(), 0);
+    QCOMPARE(m_service.complaints(), QByteArray());
 }
 
 QString tst_LocalServiceWeb::address(const QString &path) const

@@ -15,7 +15,6 @@ constexpr int patience = 30000;
 LocalServiceProcess::LocalServiceProcess(QObject *parent)
     : QObject(parent)
 {
-    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
 }
 
 LocalServiceProcess::~LocalServiceProcess()
@@ -57,6 +56,11 @@ int LocalServiceProcess::terminate()
 qint64 LocalServiceProcess::processId() const
 {
     return m_process.processId();
+}
+
+QByteArray LocalServiceProcess::complaints()
+{
+    return m_process.readAllStandardError();
 }
 
 int LocalServiceProcess::port() const

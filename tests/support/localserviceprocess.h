@@ -36,6 +36,8 @@ public:
     /** As SIGTERM; the exit code, or -1 when the service did not end in good order. */
     int terminate();
     qint64 processId() const;
+    /** What the service complained of on its standard error since its last start. */
+    QByteArray complaints();
 
     int port() const;
     /** For setServiceHost(): "localhost:<port>". */
