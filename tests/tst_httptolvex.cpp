@@ -1,0 +1,484 @@
+#include "auctionrecord.h"
+#include "httptolvex.h"
+#include "kavlornotificationoptions.h"
+#include "kavloruser.h"
+#include "onlineconnector.h"
+#include "qhttprequestheader.h"
+#include "scriptedservice.h"
+#include "testcase.h"
+#include "testconstants.h"
+#include "testmain.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QUrl>
+
+#include <cstdlib>
+#include <functional>
+
+namespace {
+
+// The parts of the request object that its subclasses see.
+class Probe : public CHttpTolvex
+{
+public:
+    using CHttpTolvex::postForm;
+    using CHttpTolvex::requestHeader;
+    using CHttpTolvex::requestPath;
+};
+
+CKavlorUser member(const QString &password)
+{
+    CKavlorUser::Fields fields = CKavlorUser::defaultFields();
+    fields[CKavlorUser::Username] = QStringLiteral("member1");
+    fields[CKavlorUser::Password] = password;
+    fields[CKavlorUser::FirstName] = QStringLiteral("Ren\u00e9");
+    fields[CKavlorUser::LastName] = QStringLiteral("O'Hara");
+    fields[CKavlorUser::EmailAddress] = QStringLiteral("m.1+x@example.org");
+    fields[CKavlorUser::PaypalAddress] = QStringLiteral("pay_1@example.org");
+    fields[CKavlorUser::TwitterUsername] = QStringLiteral("tw-1");
+    fields[CKavlorUser::TwitterPassword] = QStringLiteral("a=b");
+    return {nullptr, nullptr, true, fields};
+}
+
+CKavlorUser nobody()
+{
+    return {nullptr, nullptr, true, {}};
+}
+
+CAuctionRecord photoAuction()
+{
+    CAuctionRecord auction;
+    auction.mediaPath = QStringLiteral(TEST_DATA "/photo.jpg");
+    auction.caption = QStringLiteral("Harbour = \"red\"");
+    auction.description = QStringLiteral("Two lines:\nthe second & last, caf\u00e9");
+    auction.category = 112;
+    auction.captureDate = QDateTime(QDate(2011, 7, 13), QTime(13, 5, 9));
+    auction.startPrice = 5;
+    auction.reservePrice = 25;
+    auction.buyItNowPrice = 4000000000;
+    return auction;
+}
+
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// The boundary that a multipart request announces.
+QByteArray boundaryOf(const ScriptedService::Request &request)
+{
+    return request.header("Content-type").mid(qstrlen("multipart/form-data, boundary="));
+}
+
+// The head of the media part: from its disposition to its empty line.
+QByteArray mediaHeadOf(const ScriptedService::Request &request)
+{
+    const qsizetype start =
+        request.body.indexOf("Content-Disposition: form-data; name=\"MediaFile");
+    return request.body.mid(start, request.body.indexOf("\r\n\r\n", start) - start);
+}
+
+using Operation = std::function<void(CHttpTolvex &)>;
+
+} // namespace
+
+Q_DECLARE_METATYPE(Operation)
+
+class tst_HttpTolvex : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void requestBytes_data();
+    void requestBytes();
+    void mediaNameIsTheExtension_data();
+    void mediaNameIsTheExtension();
+    void mediaPathWithoutAnyDotIsAnnouncedWhole();
+    void bodyEndsWithTheClosingBoundary();
+    void captureDateIsLocalTime();
+    void boundaryIsOfTheStandardGenerator();
+    void everyUploadHasABoundaryOfItsOwn();
+    void aLargeFileArrivesWhole();
+    void unreadableMediaFileIsReportedAndNothingSent_data();
+    void unreadableMediaFileIsReportedAndNothingSent();
+    void emptyOperationPathIsSentAsASlash();
+    void pathIsEncoded();
+    void pathKeepsItsPermittedCharacters();
+    void hostFieldNamesThePort_data();
+    void hostFieldNamesThePort();
+    void userOfTheHostGoesWithTheRequest();
+    void onlyTheFirstFourOptionsAreSent();
+
+private:
+    OnlineConnector m_connector;
+};
+
+void tst_HttpTolvex::requestBytes_data()
+{
+    const QString user = QStringLiteral("member1");
+    const QString password = QStringLiteral("secret");
+    const QString none;
+    QTest::addColumn<Operation>("operation");
+    QTest::addColumn<bool>("isUpload");
+    const auto row = [](const char *name, const Operation &operation, bool isUpload = false) {
+        QTest::newRow(name) << operation << isUpload;
+    };
+
+    row("GetServiceTerms", [](CHttpTolvex &http) { http.getServiceTerms(); });
+    row("GetCountryList", [](CHttpTolvex &http) { http.getCountryList(); });
+    row("GetCategoryList", [=](CHttpTolvex &http) { http.getCategoryList(user, password); });
+    row("GetNotificationOptions",
+        [=](CHttpTolvex &http) { http.getNotificationOptions(user, password); });
+    row("SetNotificationOptions", [=](CHttpTolvex &http) {
+        const CKavlorNotificationOptions options(nullptr, {true, false, false, true}, true);
+        http.setNotificationOptions(user, password, options);
+    });
+    row("ModifyAuction",
+        [=](CHttpTolvex &http) { http.modifyAuction(user, password, 4711, 25, 4000000000); });
+    row("ModifyAuction-noPrices",
+        [=](CHttpTolvex &http) { http.modifyAuction(user, password, 4711, 0, 0); });
+    row("GetMyAuctions", [=](CHttpTolvex &http) { http.getMyAuctions(user, password); });
+    row("ValidateLogin", [=](CHttpTolvex &http) { http.validateLogin(user, password); });
+    row("ValidateLogin-oddPassword", [=](CHttpTolvex &http) {
+        http.validateLogin(QStringLiteral("m.1@example.org"),
+                           QStringLiteral(" &%+=@.~\"'/?#-_\u00e9\u20ac\u65e5"));
+    });
+    row("ValidateLogin-empty", [=](CHttpTolvex &http) { http.validateLogin(none, none); });
+    row("GetRawMedia", [=](CHttpTolvex &http) { http.getRawMedia(user, password, 4711); });
+    row("GetThumbnail", [=](CHttpTolvex &http) { http.getThumbnail(user, password, 4711); });
+    row("GetThumbnail-highestId",
+        [=](CHttpTolvex &http) { http.getThumbnail(user, password, 4294967295); });
+    row("CreateAccount",
+        [](CHttpTolvex &http) { http.createAccount(member(QStringLiteral("s e&c"))); });
+    row("CreateAccount-empty", [](CHttpTolvex &http) { http.createAccount(nobody()); });
+    row("ModifyAccount", [](CHttpTolvex &http) {
+        http.modifyAccount(member(QStringLiteral("old one")), member(QStringLiteral("s e&c")));
+    });
+    row("ModifyAccount-empty", [](CHttpTolvex &http) { http.modifyAccount(nobody(), nobody()); });
+
+    const auto upload = [&row](const char *name, const CAuctionRecord &auction) {
+        row(
+            name,
+            [=](CHttpTolvex &http) {
+                http.createAuction(member(QStringLiteral("s e&c")), auction);
+            },
+            true);
+    };
+    upload("CreateAuction", photoAuction());
+
+    CAuctionRecord auction;
+    auction.mediaPath = photoAuction().mediaPath;
+    auction.category = -1;
+    auction.startPrice = 0;
+    upload("CreateAuction-noPrices", auction);
+
+    auction.category = 112;
+    auction.startPrice = 1;
+    auction.captureDate = photoAuction().captureDate;
+    auction.description = QStringLiteral("\u65e5\u20ac\u00fc");
+    auction.caption = QStringLiteral("\u2265 5");
+    upload("CreateAuction-notLatin1", auction);
+
+    auction.mediaPath = QDir::temp().filePath(QStringLiteral("EMPTY.JPG"));
+    QFile empty(auction.mediaPath);
+    QVERIFY(empty.open(QIODevice::WriteOnly));
+    auction.description = QStringLiteral("d");
+    auction.caption = QStringLiteral("c");
+    upload("CreateAuction-emptyFile", auction);
+}
+
+void tst_HttpTolvex::requestBytes()
+{
+    QFETCH(Operation, operation);
+    QFETCH(bool, isUpload);
+    const QString name = QString::fromLatin1(QTest::currentDataTag());
+    QByteArray expected = contents(QStringLiteral(TEST_DATA "/requests/") + name);
+    QVERIFY(!expected.isEmpty());
+
+    ScriptedService service;
+    service.expect(name.section(QLatin1Char('-'), 0, 0).toLatin1(), "ok");
+    CHttpTolvex http;
+    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    operation(http);
+    QTRY_COMPARE(results.size(), 1);
+    QCOMPARE(results.constFirst(), QVariantList({QStringLiteral("ok"), QString()}));
+    QVERIFY2(service.isDone(), service.report());
+
+    const ScriptedService::Request request = service.requests().constFirst();
+    expected.replace("@HOST@", service.host().toLatin1());
+    if (isUpload) {
+        const QByteArray boundary = boundaryOf(request);
+        static const QRegularExpression hex(QStringLiteral("^[0-9a-f]{32}$"));
+        QVERIFY2(hex.match(QString::fromLatin1(boundary)).hasMatch(), boundary);
+        expected.replace("@BOUNDARY@", boundary);
+        const bool isEmpty = name.endsWith(QLatin1String("emptyFile"));
+        expected.replace("@MEDIA@", isEmpty ? "" : contents(photoAuction().mediaPath));
+    }
+    QCOMPARE(request.raw, expected);
+}
+
+void tst_HttpTolvex::mediaNameIsTheExtension_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QByteArray>("announced");
+    QTest::newRow("photo") << QStringLiteral("photo.jpg") << QByteArray("1.jpg");
+    QTest::newRow("upper case") << QStringLiteral("IMG_1.JPG") << QByteArray("1.JPG");
+    QTest::newRow("two dots") << QStringLiteral("clip.old.mp4") << QByteArray("1.mp4");
+    QTest::newRow("dot at the end") << QStringLiteral("photo.") << QByteArray("1.");
+    QTest::newRow("dot only in a folder")
+        << QStringLiteral("100.dir/photo") << QByteArray("1.dir/photo");
+    QTest::newRow("not ASCII") << QStringLiteral("a.\u00fc") << QByteArray("1.\xc3\xbc");
+    QTest::newRow("per cent") << QStringLiteral("a.%1%2") << QByteArray("1.%1%2");
+}
+
+void tst_HttpTolvex::mediaNameIsTheExtension()
+{
+    QFETCH(QString, path);
+    QFETCH(QByteArray, announced);
+    QTemporaryDir folder;
+    const QString fullPath = folder.filePath(path);
+    QVERIFY(QDir().mkpath(QFileInfo(fullPath).path()));
+    QFile media(fullPath);
+    QVERIFY(media.open(QIODevice::WriteOnly));
+    QCOMPARE(media.write("twelve bytes"), 12);
+    media.close();
+
+    ScriptedService service;
+    service.expect("CreateAuction", "1");
+    CHttpTolvex http;
+    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    CAuctionRecord auction;
+    auction.mediaPath = fullPath;
+    http.createAuction(nobody(), auction);
+    QTRY_COMPARE(results.size(), 1);
+    QCOMPARE(mediaHeadOf(service.requests().constFirst()),
+             "Content-Disposition: form-data; name=\"MediaFile\"; filename=\"" + announced
+                 + "\"\r\nContent-length: 12\r\nContent-Type: application/octet-stream");
+}
+
+void tst_HttpTolvex::mediaPathWithoutAnyDotIsAnnouncedWhole()
+{
+    QTemporaryDir folder;
+    const QString oldFolder = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(folder.path()));
+    QVERIFY(QDir().mkdir(QStringLiteral("dcim")));
+    QFile media(QStringLiteral("dcim/photo"));
+    QVERIFY(media.open(QIODevice::WriteOnly));
+    media.close();
+
+    ScriptedService service;
+    service.expect("CreateAuction", "1");
+    CHttpTolvex http;
+    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    CAuctionRecord auction;
+    auction.mediaPath = media.fileName();
+    http.createAuction(nobody(), auction);
+    QVERIFY(QDir::setCurrent(oldFolder));
+    QTRY_COMPARE(results.size(), 1);
+    QVERIFY(mediaHeadOf(service.requests().constFirst()).contains("filename=\"1dcim/photo\""));
+}
+
+void tst_HttpTolvex::bodyEndsWithTheClosingBoundary()
+{
+    ScriptedService service;
+    service.expect("CreateAuction", "1");
+    CHttpTolvex http;
+    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    http.createAuction(nobody(), photoAuction());
+    QTRY_COMPARE(results.size(), 1);
+    const ScriptedService::Request request = service.requests().constFirst();
+    QVERIFY(request.body.endsWith("\r\n--" + boundaryOf(request) + "--\r\n"));
+    QVERIFY(request.body.contains("\r\nContent-length: "));
+    QCOMPARE(request.body.size(), request.header("Content-Length").toLongLong());
+}
+
+void tst_HttpTolvex::captureDateIsLocalTime()
+{
+    ScriptedService service;
+    service.expect("CreateAuction", "1");
+    CHttpTolvex http;
+    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    CAuctionRecord auction = photoAuction();
+    auction.captureDate = auction.captureDate.toOffsetFromUtc(5 * 3600);
+    http.createAuction(nobody(), auction);
+    QTRY_COMPARE(results.size(), 1);
+    QVERIFY(service.requests().constFirst().body.contains(
+        "name=\"CaptureDate\"\r\n\r\n20110713130509\r\n"));
+}
+
+void tst_HttpTolvex::boundaryIsOfTheStandardGenerator()
+{
+    std::srand(7);
+    QByteArray bytes;
+    for (int i = 0; i < 16; ++i)
+        bytes.append(static_cast<char>(std::rand() & 0xff));
+
+    ScriptedService service;
+    service.expect("CreateAuction", "1");
+    CHttpTolvex http;
+    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    std::srand(7);
+    http.createAuction(nobody(), photoAuction());
+    QTRY_COMPARE(results.size(), 1);
+    QCOMPARE(boundaryOf(service.requests().constFirst()), bytes.toHex());
+}
+
+void tst_HttpTolvex::everyUploadHasABoundaryOfItsOwn()
+{
+    ScriptedService service;
+    CHttpTolvex http;
+    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    for (int i = 1; i <= 2; ++i) {
+        service.expect("CreateAuction", "1");
+        http.createAuction(nobody(), photoAuction());
+        QTRY_COMPARE(results.size(), i);
+    }
+    QVERIFY(boundaryOf(service.requests().at(0)) != boundaryOf(service.requests().at(1)));
+}
+
+void tst_HttpTolvex::aLargeFileArrivesWhole()
+{
+    QTemporaryDir folder;
+    QFile media(folder.filePath(QStringLiteral("clip.mp4")));
+    QVERIFY(media.open(QIODevice::WriteOnly));
+    QByteArray bytes(3 * 1024 * 1024 + 1, '\0');
+    for (qsizetype i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<char>(i * 31 + i / 251);
+    QCOMPARE(media.write(bytes), bytes.size());
+    media.close();
+
+    ScriptedService service;
+    service.expect("CreateAuction", "1");
+    CHttpTolvex http;
+    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    CAuctionRecord auction;
+    auction.mediaPath = media.fileName();
+    http.createAuction(nobody(), auction);
+    QTRY_COMPARE_WITH_TIMEOUT(results.size(), 1, 30000);
+    const ScriptedService::Request request = service.requests().constFirst();
+    QVERIFY(request.body.endsWith(bytes + "\r\n--" + boundaryOf(request) + "--\r\n"));
+}
+
+void tst_HttpTolvex::unreadableMediaFileIsReportedAndNothingSent_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("missing") << QStringLiteral("/nonexistent/photo.jpg");
+    QTest::newRow("folder") << QDir::tempPath();
+}
+
+void tst_HttpTolvex::unreadableMediaFileIsReportedAndNothingSent()
+{
+    QFETCH(QString, path);
+    ScriptedService service;
+    CHttpTolvex http;
+    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    CAuctionRecord auction;
+    auction.mediaPath = path;
+    http.createAuction(nobody(), auction);
+    QCOMPARE(results.size(), 1);
+    QCOMPARE(results.constFirst(),
+             QVariantList(
+                 {QStringLiteral("I/O issue"), QStringLiteral("Unable to read a posted file")}));
+
+    // The next request is the first one on the wire.
+    service.expect("GetServiceTerms", "terms");
+    http.getServiceTerms();
+    QTRY_COMPARE(results.size(), 2);
+    QVERIFY2(service.isDone(), service.report());
+    QCOMPARE(service.connectionCount(), 1);
+}
+
+void tst_HttpTolvex::emptyOperationPathIsSentAsASlash()
+{
+    QCOMPARE(Probe::requestPath(QUrl(QStringLiteral("http://example.org"))), QStringLiteral("/"));
+
+    ScriptedService service;
+    ScriptedService::Step step;
+    step.bytes = ScriptedService::reply("ok");
+    service.expect(step);
+    Probe http;
+    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    http.postForm(QString(), "SUBMIT=Submit", true);
+    QTRY_COMPARE(results.size(), 1);
+    QCOMPARE(service.requests().constFirst().requestLine, QByteArray("POST /tolvex/ HTTP/1.1"));
+}
+
+void tst_HttpTolvex::pathIsEncoded()
+{
+    ScriptedService service;
+    ScriptedService::Step step;
+    step.bytes = ScriptedService::reply("ok");
+    service.expect(step);
+    Probe http;
+    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    http.postForm(QStringLiteral("Get \u00fc[1]/"), "SUBMIT=Submit", true);
+    QTRY_COMPARE(results.size(), 1);
+    QCOMPARE(service.requests().constFirst().requestLine,
+             QByteArray("POST /tolvex/Get%20%C3%BC%5B1%5D/ HTTP/1.1"));
+}
+
+void tst_HttpTolvex::pathKeepsItsPermittedCharacters()
+{
+    QCOMPARE(Probe::requestPath(QUrl(QStringLiteral("http://h/a!$&'()*+,;=:@/-._~b"))),
+             QStringLiteral("/a!$&'()*+,;=:@/-._~b"));
+}
+
+void tst_HttpTolvex::hostFieldNamesThePort_data()
+{
+    QTest::addColumn<QString>("serviceHost");
+    QTest::addColumn<QString>("field");
+    QTest::newRow("port") << QStringLiteral("example.org:8470")
+                          << QStringLiteral("example.org:8470");
+    QTest::newRow("no port") << QStringLiteral("example.org") << QStringLiteral("example.org");
+    QTest::newRow("IPv6") << QStringLiteral("[::1]:81") << QStringLiteral("[::1]:81");
+    QTest::newRow("user") << QStringLiteral("m1:secret@example.org:81")
+                          << QStringLiteral("example.org:81");
+}
+
+void tst_HttpTolvex::hostFieldNamesThePort()
+{
+    QFETCH(QString, serviceHost);
+    QFETCH(QString, field);
+    setServiceHost(serviceHost);
+    const Probe http;
+    const QHttpRequestHeader header = http.requestHeader(QStringLiteral("/"));
+    QCOMPARE(header.value(QStringLiteral("Host")), field);
+}
+
+void tst_HttpTolvex::userOfTheHostGoesWithTheRequest()
+{
+    ScriptedService service;
+    setServiceHost(QStringLiteral("m1:secret@") + service.host());
+    service.expect("GetServiceTerms", "terms");
+    CHttpTolvex http;
+    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    http.getServiceTerms();
+    QTRY_COMPARE(results.size(), 1);
+    const ScriptedService::Request request = service.requests().constFirst();
+    QCOMPARE(request.header("Authorization"), QByteArray("Basic bTE6c2VjcmV0"));
+    QCOMPARE(request.header("Host"), service.host().toLatin1());
+}
+
+void tst_HttpTolvex::onlyTheFirstFourOptionsAreSent()
+{
+    CKavlorNotificationOptions options;
+    options.parse(QStringLiteral("17\n1,0,1,1,m1@example.org"));
+    ScriptedService service;
+    service.expect("SetNotificationOptions", "17");
+    CHttpTolvex http;
+    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    http.setNotificationOptions(QStringLiteral("m"), QStringLiteral("p"), options);
+    QTRY_COMPARE(results.size(), 1);
+    QCOMPARE(service.requests().constFirst().body,
+             QByteArray("Username=m&Password=p&NotifyOnBid=1&NotifyOnAuctionEnd=0&NotifyOnView=1"
+                        "&NotifyOnBuyerQuestion=1&SUBMIT=Submit"));
+}
+
+KAVLOR_TEST_MAIN(tst_HttpTolvex)
+
+#include "tst_httptolvex.moc"
