@@ -157,7 +157,11 @@ QByteArray mediaHead(const QByteArray &boundary, const QString &path)
 qint64 unpackedBytes(const QImageReader &reader)
 {
     const QSize size = reader.size();
-    const int depth = qMax(32, int(QImage::toPixelFormat(reader.imageFormat()).bitsPerPixel()));
+    const QImage::Format format = reader.imageFormat();
+    // Not every format tells; two bits a pixel may well become 32.
+    const int depth = format == QImage::Format_Invalid
+        ? 32
+        : qMax<int>(32, QImage::toPixelFormat(format).bitsPerPixel());
     return qint64(size.width()) * size.height() * depth / 8;
 }
 

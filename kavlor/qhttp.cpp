@@ -82,6 +82,14 @@ bool isTransportError(const QNetworkReply &reply)
     }
 }
 
+QString errorText(const QNetworkReply &reply)
+{
+    // The stack complains that it cannot send again; what went wrong is the first time.
+    if (reply.error() == QNetworkReply::ContentReSendError)
+        return QHttp::tr("Connection closed");
+    return reply.errorString();
+}
+
 void setAttributes(QNetworkRequest *request)
 {
     request->setAttribute(QNetworkRequest::RedirectPolicyAttribute,
@@ -256,7 +264,7 @@ void QHttp::finish(int id)
 
     const bool error = !m_stopReason.isEmpty() || isTransportError(*m_reply);
     if (error)
-        m_errorText = m_stopReason.isEmpty() ? m_reply->errorString() : m_stopReason;
+        m_errorText = m_stopReason.isEmpty() ? errorText(*m_reply) : m_stopReason;
     m_reply->manager()->disconnect(this);
     m_reply->manager()->deleteLater();
     m_reply = nullptr;
