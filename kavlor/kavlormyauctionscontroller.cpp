@@ -1,10 +1,10 @@
 #include "kavlormyauctionscontroller.h"
 
-#include "auctiondelegate.h"
 #include "httptolvex.h"
 #include "kavlormodifyauction.h"
 #include "kavlormyauctionsmodel.h"
 #include "kavloruser.h"
+#include "paintedcelldelegate.h"
 #include "rootviewcontroller.h"
 #include "slimscrollbar.h"
 #include "ui_kavlormyauctionscontroller.h"
@@ -42,7 +42,9 @@ CKavlorMyAuctionsController::~CKavlorMyAuctionsController() = default;
 void CKavlorMyAuctionsController::prepareTable()
 {
     QTableView *table = m_ui->myAuctionsTable;
-    table->setItemDelegate(new AuctionDelegate(table));
+    const QList<QSize> sizes{CKavlorMyAuctionsModel::cellSize(CKavlorMyAuctionsModel::Thumbnail),
+                             CKavlorMyAuctionsModel::cellSize(CKavlorMyAuctionsModel::Info)};
+    table->setItemDelegate(new PaintedCellDelegate(sizes, table));
     table->hide();
 
     new SlimScrollBar(table);

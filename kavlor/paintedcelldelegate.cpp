@@ -1,5 +1,6 @@
 #include "paintedcelldelegate.h"
 
+#include <QApplication>
 #include <QPainter>
 #include <QPixmap>
 
@@ -12,6 +13,9 @@ PaintedCellDelegate::PaintedCellDelegate(const QList<QSize> &columnSizes, QObjec
 void PaintedCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                                 const QModelIndex &index) const
 {
+    // Not by way of an icon, which a style would tint in a selected row and set into margins.
+    const QStyle *style = option.widget ? option.widget->style() : QApplication::style();
+    style->drawPrimitive(QStyle::PE_PanelItemViewItem, &option, painter, option.widget);
     painter->drawPixmap(option.rect.topLeft(), index.data(Qt::DecorationRole).value<QPixmap>());
 }
 

@@ -5,7 +5,8 @@
 #include <QStyledItemDelegate>
 
 /**
- * Shows the cells of a table whose model paints each as one pixmap, its decoration.
+ * Shows the cells of a table whose model paints each as one pixmap, its decoration, as they are,
+ * at the top left and over the row's selection.
  *
  * The sizes are fixed by column, so that laying out a table asks its model for nothing: only a
  * cell that comes into sight is painted.
