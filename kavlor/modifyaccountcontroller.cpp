@@ -1,7 +1,6 @@
 #include "modifyaccountcontroller.h"
 
 #include "httptolvex.h"
-#include "kavloruser.h"
 #include "rootviewcontroller.h"
 #include "ui_modifyaccountcontroller.h"
 
@@ -20,6 +19,17 @@ void focusOn(QLineEdit *line)
 {
     line->activateWindow();
     line->setFocus(Qt::OtherFocusReason);
+}
+
+// After a lock was clicked: an open line is ready to be typed over, a locked one shows @p text.
+void selectOrRestore(QLineEdit *line, bool select, const QString &text)
+{
+    if (select) {
+        line->selectAll();
+    } else {
+        line->deselect();
+        line->setText(text);
+    }
 }
 
 } // namespace
@@ -64,34 +74,24 @@ CModifyAccountController::CModifyAccountController(CKavlorUser *user, QWidget *p
 
 CModifyAccountController::~CModifyAccountController() = default;
 
-// After a lock was clicked: an open line is ready to be typed over, a locked one shows @p text.
-void CModifyAccountController::unlockedOrRestored(bool unlocked, QLineEdit *line,
-                                                  const QString &text)
+void CModifyAccountController::lockClicked(const QCheckBox *box, QLineEdit *line,
+                                           CKavlorUser::Field field)
 {
-    if (unlocked) {
-        line->selectAll();
-    } else {
-        line->deselect();
-        line->setText(text);
-    }
+    const bool locked = box->isChecked();
+    setLocked(line, locked);
+    selectOrRestore(line, !locked, m_edited->field(field));
+    if (!locked)
+        focusOn(line);
 }
 
 void CModifyAccountController::checkboxEmailClicked()
 {
-    const bool locked = m_ui->checkBoxEmail->isChecked();
-    setLocked(m_ui->lineEmail, locked);
-    unlockedOrRestored(!locked, m_ui->lineEmail, m_edited->field(CKavlorUser::EmailAddress));
-    if (!locked)
-        focusOn(m_ui->lineEmail);
+    lockClicked(m_ui->checkBoxEmail, m_ui->lineEmail, CKavlorUser::EmailAddress);
 }
 
 void CModifyAccountController::checkboxPaypalClicked()
 {
-    const bool locked = m_ui->checkBoxPaypal->isChecked();
-    setLocked(m_ui->linePaypal, locked);
-    unlockedOrRestored(!locked, m_ui->linePaypal, m_edited->field(CKavlorUser::PaypalAddress));
-    if (!locked)
-        focusOn(m_ui->linePaypal);
+    lockClicked(m_ui->checkBoxPaypal, m_ui->linePaypal, CKavlorUser::PaypalAddress);
 }
 
 void CModifyAccountController::checkboxPasswordClicked()
@@ -101,7 +101,7 @@ void CModifyAccountController::checkboxPasswordClicked()
     const bool emailUnlocked = !m_ui->checkBoxEmail->isChecked();
     for (QLineEdit *line : {m_ui->linePassword, m_ui->lineConfirm}) {
         setLocked(line, locked);
-        unlockedOrRestored(emailUnlocked, line, m_edited->field(CKavlorUser::Password));
+        selectOrRestore(line, emailUnlocked, m_edited->field(CKavlorUser::Password));
     }
     if (emailUnlocked)
         focusOn(m_ui->linePassword);

@@ -3,8 +3,10 @@
 #include <QFrame>
 #include <memory>
 
+#include "kavloruser.h"
+
 class CHttpTolvex;
-class CKavlorUser;
+class QCheckBox;
 class QLineEdit;
 
 namespace Ui {
@@ -42,7 +44,7 @@ public slots:
 
 private:
     void takeFormOver();
-    void unlockedOrRestored(bool unlocked, QLineEdit *line, const QString &text);
+    void lockClicked(const QCheckBox *box, QLineEdit *line, CKavlorUser::Field field);
 
     std::unique_ptr<Ui::CModifyAccountController> m_ui;
     CHttpTolvex *m_request;

@@ -2,7 +2,6 @@
 #include "httptolvex.h"
 #include "kavlornotificationoptions.h"
 #include "kavlorsettings.h"
-#include "kavloruser.h"
 #include "modifyaccountcontroller.h"
 #include "notificationscontroller.h"
 #include "testcase.h"
@@ -12,15 +11,6 @@
 #include <QSignalSpy>
 
 namespace {
-
-CKavlorUser::Fields memberFields()
-{
-    CKavlorUser::Fields fields = CKavlorUser::defaultFields();
-    fields[CKavlorUser::Username] = QStringLiteral("m1");
-    fields[CKavlorUser::Password] = QStringLiteral("secret");
-    fields[CKavlorUser::EmailAddress] = QStringLiteral("m1@example.org");
-    return fields;
-}
 
 // The menu with live records of its own, without a root window above it.
 class Menu
@@ -79,11 +69,11 @@ private slots:
     void oneChildAtATime();
     void backFromTheAccount();
     void backFromTheAlertsLeavesTheLiveOptions();
-    void alertsChangeTheLiveOptionsOnlyWithTheReply();
-    void refusedAlertsLeaveTheLiveOptions();
+    void liveOptionsChangeOnlyWithTheReply_data();
+    void liveOptionsChangeOnlyWithTheReply();
     void alertsStartFromTheLiveOptionsAgain();
-    void accountDoneReturnsToTheMenu();
-    void accountCancelledReturnsToTheMenu();
+    void accountReturnsToTheMenu_data();
+    void accountReturnsToTheMenu();
     void lateReplyToALeftChildDoesNothing_data();
     void lateReplyToALeftChildDoesNothing();
     void childGoesWithTheMenu();
@@ -184,11 +174,22 @@ void tst_KavlorSettings::backFromTheAlertsLeavesTheLiveOptions()
     QCOMPARE(menu.options.toText(), QStringLiteral("1,0,0,1"));
 }
 
-void tst_KavlorSettings::alertsChangeTheLiveOptionsOnlyWithTheReply()
+void tst_KavlorSettings::liveOptionsChangeOnlyWithTheReply_data()
 {
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<QString>("options");
+    QTest::newRow("accepted") << QByteArray("17") << "0,0,0,1";
+    QTest::newRow("zero") << QByteArray("0") << "1,0,0,1";
+    QTest::newRow("refused") << QByteArray("ERROR") << "1,0,0,1";
+}
+
+void tst_KavlorSettings::liveOptionsChangeOnlyWithTheReply()
+{
+    QFETCH(QByteArray, reply);
+    QFETCH(QString, options);
     Menu menu;
     QVERIFY(menu.isShown);
-    menu.stage.service.expectHeld("SetNotificationOptions", "17");
+    menu.stage.service.expectHeld("SetNotificationOptions", reply);
     menu.click("pushButtonNotifications");
     const QPointer<CNotificationsController> child = menu.child<CNotificationsController>();
     menu.clickChild(child, "checkBoxOnBid");
@@ -197,22 +198,7 @@ void tst_KavlorSettings::alertsChangeTheLiveOptionsOnlyWithTheReply()
     QCOMPARE(menu.options.toText(), QStringLiteral("1,0,0,1"));
     menu.stage.service.release();
     QTRY_VERIFY(!child);
-    QCOMPARE(menu.options.toText(), QStringLiteral("0,0,0,1"));
-    QVERIFY(menu.options.isInitialized());
-    QVERIFY(menu.frame->isVisible());
-}
-
-void tst_KavlorSettings::refusedAlertsLeaveTheLiveOptions()
-{
-    Menu menu;
-    QVERIFY(menu.isShown);
-    menu.stage.service.expect("SetNotificationOptions", "0");
-    menu.click("pushButtonNotifications");
-    const QPointer<CNotificationsController> child = menu.child<CNotificationsController>();
-    menu.clickChild(child, "checkBoxOnBid");
-    menu.clickChild(child, "pushButtonDone");
-    QTRY_VERIFY(!child);
-    QCOMPARE(menu.options.toText(), QStringLiteral("1,0,0,1"));
+    QCOMPARE(menu.options.toText(), options);
     QVERIFY(menu.frame->isVisible());
     QVERIFY(menu.stage.dialogs.boxes().isEmpty());
 }
@@ -231,30 +217,27 @@ void tst_KavlorSettings::alertsStartFromTheLiveOptionsAgain()
     QVERIFY(box->isChecked());
 }
 
-void tst_KavlorSettings::accountDoneReturnsToTheMenu()
+void tst_KavlorSettings::accountReturnsToTheMenu_data()
 {
-    Menu menu;
-    QVERIFY(menu.isShown);
-    menu.stage.service.expect("ModifyAccount", "17");
-    menu.click("pushButtonMyAccount");
-    const QPointer<CModifyAccountController> child = menu.child<CModifyAccountController>();
-    menu.clickChild(child, "pushButtonDone");
-    QTRY_VERIFY(!child);
-    QVERIFY(menu.frame->isVisible());
-    QCOMPARE(menu.user.userId(), 17);
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<int>("number");
+    QTest::newRow("accepted") << QByteArray("17") << 17;
+    QTest::newRow("refused") << QByteArray("0") << 0;
 }
 
-void tst_KavlorSettings::accountCancelledReturnsToTheMenu()
+void tst_KavlorSettings::accountReturnsToTheMenu()
 {
+    QFETCH(QByteArray, reply);
+    QFETCH(int, number);
     Menu menu;
     QVERIFY(menu.isShown);
-    menu.stage.service.expect("ModifyAccount", "0");
+    menu.stage.service.expect("ModifyAccount", reply);
     menu.click("pushButtonMyAccount");
     const QPointer<CModifyAccountController> child = menu.child<CModifyAccountController>();
     menu.clickChild(child, "pushButtonDone");
     QTRY_VERIFY(!child);
     QVERIFY(menu.frame->isVisible());
-    QCOMPARE(menu.user.userId(), 0);
+    QCOMPARE(menu.user.userId(), number);
 }
 
 void tst_KavlorSettings::lateReplyToALeftChildDoesNothing_data()

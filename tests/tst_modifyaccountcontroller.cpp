@@ -1,6 +1,5 @@
 #include "framestage.h"
 #include "httptolvex.h"
-#include "kavloruser.h"
 #include "modifyaccountcontroller.h"
 #include "testcase.h"
 #include "testconstants.h"
@@ -15,16 +14,6 @@
 using Field = CKavlorUser::Field;
 
 namespace {
-
-CKavlorUser::Fields memberFields()
-{
-    CKavlorUser::Fields fields = CKavlorUser::defaultFields();
-    fields[CKavlorUser::Username] = QStringLiteral("m1");
-    fields[CKavlorUser::Password] = QStringLiteral("secret");
-    fields[CKavlorUser::EmailAddress] = QStringLiteral("m1@example.org");
-    fields[CKavlorUser::PaypalAddress] = QStringLiteral("m1@pay");
-    return fields;
-}
 
 // The frame with a live record of its own, and what its two signals have said.
 class Account
@@ -71,6 +60,25 @@ public:
     void submit()
     {
         QTest::mouseClick(button(), Qt::LeftButton);
+    }
+    /** Unlocks the password and types another one twice. */
+    void changePassword(const QString &password)
+    {
+        click("checkBoxPassword");
+        type("linePassword", password);
+        type("lineConfirm", password);
+    }
+    /** Whether both password lines are in the same, given state. */
+    bool passwordLines(bool locked, const QString &text, bool selected) const
+    {
+        for (const char *name : {"linePassword", "lineConfirm"}) {
+            const QLineEdit *one = line(name);
+            if (one->isReadOnly() != locked || one->text() != text
+                || one->hasSelectedText() != selected) {
+                return false;
+            }
+        }
+        return true;
     }
     /** The body of the one request, after the frame has ended. */
     QByteArray sent()
@@ -318,12 +326,9 @@ void tst_ModifyAccountController::passwordBoxAloneRestoresAndDoesNotFocus()
     QVERIFY(account.open());
     account.line("linePaypal")->setFocus();
     account.click("checkBoxPassword");
-    for (const char *name : {"linePassword", "lineConfirm"}) {
-        QVERIFY(!account.line(name)->isReadOnly());
-        QCOMPARE(account.line(name)->text(), QStringLiteral("secret"));
-        QVERIFY(!account.line(name)->hasSelectedText());
-        QVERIFY(!account.line(name)->hasFocus());
-    }
+    QVERIFY(account.passwordLines(false, QStringLiteral("secret"), false));
+    QVERIFY(!account.line("linePassword")->hasFocus());
+    QVERIFY(!account.line("lineConfirm")->hasFocus());
 }
 
 void tst_ModifyAccountController::passwordBoxWithTheEmailUnlockedFocuses()
@@ -332,11 +337,7 @@ void tst_ModifyAccountController::passwordBoxWithTheEmailUnlockedFocuses()
     QVERIFY(account.open());
     account.click("checkBoxEmail");
     account.click("checkBoxPassword");
-    for (const char *name : {"linePassword", "lineConfirm"}) {
-        QVERIFY(!account.line(name)->isReadOnly());
-        QCOMPARE(account.line(name)->text(), QStringLiteral("secret"));
-        QVERIFY(account.line(name)->hasSelectedText());
-    }
+    QVERIFY(account.passwordLines(false, QStringLiteral("secret"), true));
     QVERIFY(account.line("linePassword")->hasFocus());
 }
 
@@ -345,30 +346,18 @@ void tst_ModifyAccountController::lockingThePasswordWithTheEmailUnlockedKeepsThe
     Account account;
     QVERIFY(account.open());
     account.click("checkBoxEmail");
+    account.changePassword(QStringLiteral("new"));
     account.click("checkBoxPassword");
-    account.type("linePassword", QStringLiteral("new"));
-    account.type("lineConfirm", QStringLiteral("new"));
-    account.click("checkBoxPassword");
-    for (const char *name : {"linePassword", "lineConfirm"}) {
-        QVERIFY(account.line(name)->isReadOnly());
-        QCOMPARE(account.line(name)->text(), QStringLiteral("new"));
-        QVERIFY(account.line(name)->hasSelectedText());
-    }
+    QVERIFY(account.passwordLines(true, QStringLiteral("new"), true));
 }
 
 void tst_ModifyAccountController::lockingThePasswordWithTheEmailLockedRestores()
 {
     Account account;
     QVERIFY(account.open());
+    account.changePassword(QStringLiteral("new"));
     account.click("checkBoxPassword");
-    account.type("linePassword", QStringLiteral("new"));
-    account.type("lineConfirm", QStringLiteral("new"));
-    account.click("checkBoxPassword");
-    for (const char *name : {"linePassword", "lineConfirm"}) {
-        QVERIFY(account.line(name)->isReadOnly());
-        QCOMPARE(account.line(name)->text(), QStringLiteral("secret"));
-        QVERIFY(!account.line(name)->hasSelectedText());
-    }
+    QVERIFY(account.passwordLines(true, QStringLiteral("secret"), false));
 }
 
 void tst_ModifyAccountController::lockedLinesTakeNoKeys()
@@ -499,9 +488,7 @@ void tst_ModifyAccountController::validationMessages()
     QVERIFY(account.open());
     switch (field) {
     case CKavlorUser::Password:
-        account.click("checkBoxPassword");
-        account.type("linePassword", text);
-        account.type("lineConfirm", text);
+        account.changePassword(text);
         break;
     case CKavlorUser::EmailAddress:
         account.click("checkBoxEmail");
@@ -570,11 +557,8 @@ void tst_ModifyAccountController::eachLockAloneAndTogether()
         account.click("checkBoxEmail");
         account.type("lineEmail", QStringLiteral("m2@b"));
     }
-    if (password) {
-        account.click("checkBoxPassword");
-        account.type("linePassword", QStringLiteral("new"));
-        account.type("lineConfirm", QStringLiteral("new"));
-    }
+    if (password)
+        account.changePassword(QStringLiteral("new"));
     if (paypal) {
         account.click("checkBoxPaypal");
         account.type("linePaypal", QString());
@@ -611,11 +595,9 @@ void tst_ModifyAccountController::wireBytesWithOtherLetters()
     account.user.setField(CKavlorUser::Username, QStringLiteral(u"\u017Eofie"));
     QVERIFY(account.open());
     account.click("checkBoxEmail");
-    account.click("checkBoxPassword");
-    account.click("checkBoxPaypal");
     account.type("lineEmail", QStringLiteral(u"\u017Eofie@\u010Desko"));
-    account.type("linePassword", QStringLiteral(u"p\u00E4ss & word"));
-    account.type("lineConfirm", QStringLiteral(u"p\u00E4ss & word"));
+    account.changePassword(QStringLiteral(u"p\u00E4ss & word"));
+    account.click("checkBoxPaypal");
     account.type("linePaypal", QStringLiteral("a+b@pay"));
     account.stage.service.expect("ModifyAccount", "9");
     QCOMPARE(account.sent(),

@@ -1,7 +1,6 @@
 #include "framestage.h"
 #include "httptolvex.h"
 #include "kavlornotificationoptions.h"
-#include "kavloruser.h"
 #include "notificationscontroller.h"
 #include "testcase.h"
 #include "testconstants.h"
@@ -15,9 +14,9 @@
 
 namespace {
 
-CKavlorUser::Fields memberFields()
+CKavlorUser::Fields otherLetters()
 {
-    CKavlorUser::Fields fields = CKavlorUser::defaultFields();
+    CKavlorUser::Fields fields = memberFields();
     fields[CKavlorUser::Username] = QStringLiteral(u"\u017Eofie");
     fields[CKavlorUser::Password] = QStringLiteral("s & t");
     fields[CKavlorUser::EmailAddress] = QStringLiteral("zofie@example.org");
@@ -29,7 +28,7 @@ class Alerts
 {
 public:
     explicit Alerts(const CKavlorNotificationOptions::Flags &flags = {})
-        : user(nullptr, nullptr, true, memberFields())
+        : user(nullptr, nullptr, true, otherLetters())
         , options(nullptr, flags, false)
         , frame(new CNotificationsController(&user, &options, stage.area()))
         , done(frame, &CNotificationsController::Done)

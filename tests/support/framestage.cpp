@@ -57,6 +57,16 @@ void FrameStage::resize(const QSize &size)
     QCoreApplication::processEvents();
 }
 
+CKavlorUser::Fields memberFields()
+{
+    CKavlorUser::Fields fields = CKavlorUser::defaultFields();
+    fields[CKavlorUser::Username] = QStringLiteral("m1");
+    fields[CKavlorUser::Password] = QStringLiteral("secret");
+    fields[CKavlorUser::EmailAddress] = QStringLiteral("m1@example.org");
+    fields[CKavlorUser::PaypalAddress] = QStringLiteral("m1@pay");
+    return fields;
+}
+
 void clickBox(QWidget *box)
 {
     QTest::mouseClick(box, Qt::LeftButton, Qt::NoModifier, QPoint(markWidth, box->height() / 2));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dialoganswers.h"
+#include "kavloruser.h"
 #include "onlineconnector.h"
 #include "scriptedservice.h"
 
@@ -38,6 +39,8 @@ private:
     QFrame *m_frame = nullptr;
 };
 
+/** The record of a member "m1" with the password "secret". */
+CKavlorUser::Fields memberFields();
 /** Clicks the mark of a check box, as wide as the box may be. */
 void clickBox(QWidget *box);
 /** Replaces the text of a line edit by keys; a locked one stays as it is. */
