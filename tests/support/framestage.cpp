@@ -1,5 +1,6 @@
 #include "framestage.h"
 
+#include "httptolvex.h"
 #include "theme.h"
 
 #include <QAbstractButton>
@@ -7,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QSignalSpy>
 #include <QTest>
 
 namespace {
@@ -55,6 +57,15 @@ void FrameStage::resize(const QSize &size)
     m_area.resize(size);
     m_frame->setGeometry(m_area.rect());
     QCoreApplication::processEvents();
+}
+
+bool FrameStage::settle()
+{
+    service.expect("GetCountryList", "countries");
+    CHttpTolvex request;
+    QSignalSpy finished(&request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    request.getCountryList();
+    return !finished.isEmpty() || finished.wait();
 }
 
 CKavlorUser::Fields memberFields()

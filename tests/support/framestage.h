@@ -27,6 +27,9 @@ public:
     bool show(QFrame *frame);
     /** Gives area and frame another size. */
     void resize(const QSize &size);
+    /** Sends a request of its own and waits for the reply: what was sent before has arrived then.
+     */
+    bool settle();
 
     QTemporaryDir folder;
     QSettings settings;
