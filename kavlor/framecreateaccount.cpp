@@ -174,7 +174,7 @@ void FrameCreateAccount::setFormEnabled(bool enabled)
     m_ui->tabWidget->setEnabled(enabled);
 }
 
-void FrameCreateAccount::ResponseReceived(QString aResponse, QString aError)
+void FrameCreateAccount::ResponseReceived(const QString &aResponse, const QString &aError)
 {
     switch (m_requestKind) {
     case Ignored:

@@ -34,7 +34,7 @@ public slots:
     /** Sends the record to the service if nothing is wrong with it, else says what is. */
     void Submit();
     /** The service has answered with the terms, or with the new member's number. */
-    void ResponseReceived(QString aResponse, QString aError);
+    void ResponseReceived(const QString &aResponse, const QString &aError);
     /** Back to the welcome frame; the bar's cancel button calls it by name. */
     void lower();
 

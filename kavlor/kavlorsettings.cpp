@@ -118,7 +118,7 @@ void CKavlorSettings::myAccountChangesDone()
     RootViewController::leave(this);
 }
 
-void CKavlorSettings::dataRequestDone(QString aData, QString aError)
+void CKavlorSettings::dataRequestDone(const QString &aData, const QString &aError)
 {
     Q_UNUSED(aData)
     Q_UNUSED(aError)

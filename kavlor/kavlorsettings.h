@@ -34,7 +34,7 @@ public slots:
     void notificationsClicked();
     void myAccountClicked();
     void myAccountChangesDone();
-    void dataRequestDone(QString aData, QString aError);
+    void dataRequestDone(const QString &aData, const QString &aError);
     void notificationsChangesDone();
     /** From a child frame to the menu, from the menu to the home frame. */
     void backClicked();

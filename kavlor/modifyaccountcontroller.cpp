@@ -151,7 +151,7 @@ void CModifyAccountController::doneClicked()
     m_request->modifyAccount(*m_user, *m_edited);
 }
 
-void CModifyAccountController::requestDone(QString aResponse, QString aError)
+void CModifyAccountController::requestDone(const QString &aResponse, const QString &aError)
 {
     // One result is the end of it; the request object may report a time-out after that.
     m_request->disconnect(this);

@@ -38,7 +38,7 @@ public slots:
     void checkboxEmailClicked();
     void checkboxPaypalClicked();
     void doneClicked();
-    void requestDone(QString aResponse, QString aError);
+    void requestDone(const QString &aResponse, const QString &aError);
     /** The cursor of the e-mail line has moved to @p aNew: addresses begin in lower case. */
     void emailPosChanged(int aOld = 0, int aNew = 0);
 

@@ -61,7 +61,7 @@ void CNotificationsController::doneClicked()
                                       m_user->field(CKavlorUser::Password), *m_options);
 }
 
-void CNotificationsController::requestDone(QString aResponse, QString aError)
+void CNotificationsController::requestDone(const QString &aResponse, const QString &aError)
 {
     // One result is the end of it; the request object may report a time-out after that.
     m_request->disconnect(this);

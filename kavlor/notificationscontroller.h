@@ -35,7 +35,7 @@ signals:
 public slots:
     void notificationChanged();
     void doneClicked();
-    void requestDone(QString aResponse, QString aError);
+    void requestDone(const QString &aResponse, const QString &aError);
 
 protected:
     void changeEvent(QEvent *event) override;

@@ -36,6 +36,7 @@ public:
     {
         isShown = stage.show(frame);
     }
+    Q_DISABLE_COPY_MOVE(Alerts)
 
     QCheckBox *box(const char *name) const
     {
