@@ -25,9 +25,9 @@ namespace {
 
 constexpr QSize imageBounds(220, 220);
 // A reply of a few bytes may announce an image that takes gigabytes once it is unpacked.
-constexpr qint64 maxImageBytes = 256 * 1024 * 1024;
+constexpr qint64 maxImageBytes = 256LL * 1024 * 1024;
 // From here on an image is unpacked at a smaller size where its format allows that.
-constexpr qint64 largeImageBytes = 32 * 1024 * 1024;
+constexpr qint64 largeImageBytes = 32LL * 1024 * 1024;
 
 struct AccountKey
 {

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr qint64 readBufferSize = 64 * 1024;
+constexpr qint64 readBufferSize = 64LL * 1024;
 
 // A request's body that can be read once only. The network stack quietly sends a request again
 // when its connection breaks early, which for a POST could do twice what the member asked for

@@ -166,7 +166,7 @@ private slots:
 
 private:
     void expect(const QByteArray &bytes, ScriptedService::Then then = ScriptedService::KeepOpen);
-    void upload(CHttpTolvex *http, qint64 size = 1024 * 1024);
+    void upload(CHttpTolvex *http, qint64 size = 1024LL * 1024);
     void expectToAskForAConnection();
     void makeHttp();
 
@@ -384,7 +384,7 @@ void tst_HttpTolvexOutcomes::absurdImageIsRefusedWithoutSpendingMemory()
     getImage(m_http.get());
     QTRY_COMPARE(m_log->size(), 1);
     QCOMPARE(m_log->textAt(0), QStringLiteral("image 0x0 | "));
-    QVERIFY(peakMemory() - before < 64 * 1024);
+    QVERIFY(peakMemory() - before < 64LL * 1024);
 }
 
 void tst_HttpTolvexOutcomes::contentTypeOfAnEarlierReplyDoesNotStay()
