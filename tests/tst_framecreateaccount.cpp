@@ -898,10 +898,9 @@ void tst_FrameCreateAccount::frameThatGoesUnderItsMessageBox()
     Creation creation;
     QVERIFY(creation.open());
     creation.stage.service.expect("CreateAccount", "ERROR");
-    const QPointer<FrameCreateAccount> frame = creation.frame;
-    const OnBoxShown whenShown([frame] { delete frame; });
+    const OnBoxShown whenShown([&creation] { delete creation.frame; });
     creation.createAccount();
-    QTRY_VERIFY(!frame);
+    QTRY_VERIFY(!creation.frame);
     QVERIFY(creation.stage.dialogs.boxes().isEmpty());
 }
 
