@@ -37,7 +37,9 @@ void paintNumber(QPainter *painter, int number, int x, int width)
 {
     // Both numbers stand at the height of the first mark's free space.
     const int markHeight = resources().viewed.height();
-    const int y = static_cast<int>(markHeight / 4 + 28.3 - markHeight / 12);
+    const int quarter = markHeight / 4;
+    const int twelfth = markHeight / 12;
+    const int y = static_cast<int>(quarter + 28.3 - twelfth);
     painter->drawText(QRect(x, y, width, 2 * markHeight / 4), Qt::AlignCenter | Qt::TextSingleLine,
                       QString::number(number));
 }

@@ -60,7 +60,7 @@ void CKavlorModifyAuction::doneClicked()
                              static_cast<quint32>(m_newBuyItNow));
 }
 
-void CKavlorModifyAuction::requestIsFinished(QString response, QString error)
+void CKavlorModifyAuction::requestIsFinished(const QString &response, const QString &error)
 {
     m_ui->done->setEnabled(true);
     if (!CHttpTolvex::succeeded(response, error)) {

@@ -38,7 +38,7 @@ signals:
 public slots:
     void doneClicked();
     /** The service has answered. A refusal leaves the frame open, for another try. */
-    void requestIsFinished(QString response, QString error);
+    void requestIsFinished(const QString &response, const QString &error);
 
 private:
     int m_auctionId;

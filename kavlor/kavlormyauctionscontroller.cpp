@@ -32,9 +32,11 @@ CKavlorMyAuctionsController::CKavlorMyAuctionsController(CKavlorUser *user, QWid
     QMetaObject::invokeMethod(this, &CKavlorMyAuctionsController::fetchList, Qt::QueuedConnection);
 
     connect(m_http, qOverload<QPixmap, QString>(&CHttpTolvex::requestIsFinished), this,
-            qOverload<QPixmap, QString>(&CKavlorMyAuctionsController::requestIsFinished));
+            qOverload<const QPixmap &, const QString &>(
+                &CKavlorMyAuctionsController::requestIsFinished));
     connect(m_http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
-            qOverload<QString, QString>(&CKavlorMyAuctionsController::requestIsFinished));
+            qOverload<const QString &, const QString &>(
+                &CKavlorMyAuctionsController::requestIsFinished));
 }
 
 CKavlorMyAuctionsController::~CKavlorMyAuctionsController() = default;
@@ -71,7 +73,7 @@ void CKavlorMyAuctionsController::fetchThumbnail()
                          m_thumbnailQueue.constFirst());
 }
 
-void CKavlorMyAuctionsController::myAuctions(QString aData)
+void CKavlorMyAuctionsController::myAuctions(const QString &aData)
 {
     QTableView *table = m_ui->myAuctionsTable;
     table->hide();
@@ -96,7 +98,7 @@ void CKavlorMyAuctionsController::myAuctions(QString aData)
     table->selectRow(0); // shows where the keys begin
 }
 
-void CKavlorMyAuctionsController::thumbnail(uint aAuctionID, QPixmap aImage)
+void CKavlorMyAuctionsController::thumbnail(uint aAuctionID, const QPixmap &aImage)
 {
     m_model->setThumbnail(aAuctionID, aImage);
 }
@@ -110,7 +112,7 @@ void CKavlorMyAuctionsController::requestThumbnail(uint auctionid)
     fetchThumbnail();
 }
 
-void CKavlorMyAuctionsController::requestIsFinished(QString response, QString error)
+void CKavlorMyAuctionsController::requestIsFinished(const QString &response, const QString &error)
 {
     if (!CHttpTolvex::succeeded(response, error))
         return;
@@ -123,7 +125,7 @@ void CKavlorMyAuctionsController::requestIsFinished(QString response, QString er
     m_state = Idle;
 }
 
-void CKavlorMyAuctionsController::requestIsFinished(QPixmap aImage, QString error)
+void CKavlorMyAuctionsController::requestIsFinished(const QPixmap &aImage, const QString &error)
 {
     if (!error.isEmpty() || m_thumbnailQueue.isEmpty() || m_state != AwaitingThumbnail)
         return;
@@ -134,7 +136,7 @@ void CKavlorMyAuctionsController::requestIsFinished(QPixmap aImage, QString erro
         fetchThumbnail();
 }
 
-void CKavlorMyAuctionsController::auctionClicked(QModelIndex index)
+void CKavlorMyAuctionsController::auctionClicked(const QModelIndex &index)
 {
     if (!index.isValid() || m_priceFrame)
         return;

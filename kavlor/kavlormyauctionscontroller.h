@@ -34,20 +34,20 @@ public:
 
 public slots:
     /** Shows the auctions of a reply of the service, or says that there are none. */
-    void myAuctions(QString aData);
+    void myAuctions(const QString &aData);
     /** The thumbnail of an auction has arrived; null when it has none. */
-    void thumbnail(uint aAuctionID, QPixmap aImage);
+    void thumbnail(uint aAuctionID, const QPixmap &aImage);
     /** Back to the home frame. */
     void backClicked();
     /** Back to the list when the price frame is open, otherwise to the home frame. */
     void cancelClicked();
     void requestThumbnail(uint auctionid);
     /** A text result; a failed one is passed over without a sign. */
-    void requestIsFinished(QString response, QString error);
+    void requestIsFinished(const QString &response, const QString &error);
     /** An image result; after one with an error no thumbnail is fetched any more. */
-    void requestIsFinished(QPixmap aImage, QString error);
+    void requestIsFinished(const QPixmap &aImage, const QString &error);
     /** Opens the price frame for the auction in a row, unless it can no longer be changed. */
-    void auctionClicked(QModelIndex index);
+    void auctionClicked(const QModelIndex &index);
     /** The price frame is done with an auction; @p auctionId is 0 when nothing was changed. */
     void pricesRenewed(int auctionId, int reservePrice, int buyItNowPrice);
 

@@ -448,7 +448,8 @@ void tst_KavlorModifyAuction::leftWhileWaiting()
     open();
     press();
     QTRY_VERIFY(m_service->isHolding());
-    delete m_frame;
+    m_frame->deleteLater();
+    QTRY_VERIFY(!m_frame);
     m_service->release();
     open();
     QTRY_VERIFY(m_frame->isVisible());
