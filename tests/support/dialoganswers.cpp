@@ -1,6 +1,7 @@
 #include "dialoganswers.h"
 
 #include <QApplication>
+#include <QCompleter>
 #include <QDialogButtonBox>
 #include <QEvent>
 #include <QFileDialog>
@@ -9,6 +10,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
+#include <utility>
 
 DialogAnswers::DialogAnswers(QObject *parent)
     : QObject(parent)
@@ -21,6 +23,11 @@ DialogAnswers::~DialogAnswers() = default;
 void DialogAnswers::chooseFile(const QString &path)
 {
     m_files.append(path);
+}
+
+void DialogAnswers::beforeNextAnswer(const std::function<void()> &action)
+{
+    m_before = action;
 }
 
 QList<DialogAnswers::Box> DialogAnswers::boxes() const
@@ -44,7 +51,12 @@ bool DialogAnswers::eventFilter(QObject *watched, QEvent *event)
         && (qobject_cast<QMessageBox *>(watched) || qobject_cast<QFileDialog *>(watched))) {
         // Answered from the dialog's own event loop, once it is really there.
         QMetaObject::invokeMethod(
-            this, [this, dialog = QPointer<QObject>(watched)] { answer(dialog); },
+            this,
+            [this, dialog = QPointer<QObject>(watched)] {
+                if (const auto before = std::exchange(m_before, nullptr))
+                    before();
+                answer(dialog);
+            },
             Qt::QueuedConnection);
     }
     return QObject::eventFilter(watched, event);
@@ -75,6 +87,12 @@ void DialogAnswers::answer(QObject *dialog)
         return;
     }
     auto *name = files->findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+    name->setCompleter(nullptr); // its popup would take the keys
+    // Without the focus the dialog would write the name of a file that it finds over the path.
+    files->activateWindow();
+    QTest::mouseClick(name, Qt::LeftButton);
+    if (!QTest::qWaitFor([name] { return name->hasFocus(); }))
+        qWarning("The file dialog did not get the focus");
     name->clear();
     QTest::keyClicks(name, path);
     QTest::keyClick(name, Qt::Key_Return);

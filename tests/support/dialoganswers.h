@@ -3,6 +3,7 @@
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <functional>
 
 /**
  * Answers the modal windows of the program as a member would, and notes what they said.
@@ -27,6 +28,8 @@ public:
 
     /** The next file dialog gets @p path; an empty path cancels it. */
     void chooseFile(const QString &path);
+    /** Does @p action once the next dialog is there, before it is answered. */
+    void beforeNextAnswer(const std::function<void()> &action);
 
     QList<Box> boxes() const;
     int fileDialogCount() const;
@@ -41,6 +44,7 @@ private:
 
     QList<Box> m_boxes;
     QStringList m_files;
+    std::function<void()> m_before;
     int m_fileDialogs = 0;
     QString m_lastFolder;
 };
