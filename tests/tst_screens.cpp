@@ -7,10 +7,12 @@
 #include <QAbstractScrollArea>
 #include <QAbstractSpinBox>
 #include <QCheckBox>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QStandardPaths>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTableView>
@@ -163,6 +165,8 @@ bool isInsideAScrollArea(const QWidget *widget)
 
 void tst_Screens::initTestCase()
 {
+    // Where the file dialog opens, as on any desktop.
+    QVERIFY(QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)));
     m_photo = m_folder.filePath(QStringLiteral("photo.jpg"));
     QImage image(640, 480, QImage::Format_RGB32);
     image.fill(QColor(90, 150, 210));
