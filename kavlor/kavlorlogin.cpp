@@ -69,7 +69,7 @@ void KavlorLogin::ValidationDone(QString aUnoOnSuccess, QString aError)
         m_ui->labelError->setText(tr("kavlor authentication failed."));
     } else {
         const QPointer<KavlorLogin> self(this);
-        QMessageBox::information(this, tr("Authentication failed:"), aError, QMessageBox::Ok);
+        QMessageBox::information(window(), tr("Authentication failed:"), aError, QMessageBox::Ok);
         if (!self)
             return;
     }

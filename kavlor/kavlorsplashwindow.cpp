@@ -77,6 +77,10 @@ void CKavlorSplashWindow::fail(const QString &error)
     s_errorShown = true;
     m_progress->animate(false, static_cast<uint>(timeConstants().progressStep), 0);
 
+    if (!m_root->isVisible()) {
+        emit initFails(); // closed by the member, who needs no more telling
+        return;
+    }
     const QPointer<CKavlorSplashWindow> self(this);
     QMessageBox box(m_root);
     box.setText(tr("kavlor experienced an error contacting a server.\n"

@@ -5,6 +5,8 @@
 
 #include <QApplication>
 
+#include <cstdlib>
+
 int main(int argc, char *argv[])
 {
     CConnector connector; // before the application object, after everything on the way out
@@ -12,5 +14,7 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     installFontSubstitutes();
     const auto root = std::make_unique<RootViewController>(settings.get());
-    return QApplication::exec();
+    // The start may have waited for a connection already, and the member may have closed the window
+    // meanwhile: no event loop would end then.
+    return root->isVisible() ? QApplication::exec() : EXIT_SUCCESS;
 }

@@ -291,11 +291,6 @@ void RootViewController::ShowUploadOptions()
     frame->show();
 }
 
-void RootViewController::returnHome()
-{
-    ShowLoginOptions(userName(), password(), true);
-}
-
 bool RootViewController::setNavigationTextAndIcon(QString text, QString icon, bool aShowCancel,
                                                   QFrame *aLogoutFrame)
 {

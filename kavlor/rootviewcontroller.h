@@ -90,7 +90,6 @@ private:
 
     void showWelcome();
     void showHome(const QString &userName, const QString &password, bool aValidated);
-    void returnHome();
     void deleteBar();
     NavigationControlableFrame *makeControlableBar(const QString &title, const QString &icon);
     const QString &userName() const;

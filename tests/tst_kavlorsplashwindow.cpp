@@ -28,6 +28,8 @@ private slots:
     void termsAreStoredWithoutLookingForError();
     void transportErrorEndsTheProgram_data();
     void transportErrorEndsTheProgram();
+    void offlineTheStartEndsWithOneBoxAndNoRequest();
+    void aWindowClosedWhileWaitingForAConnectionIsToldNothing();
     void versionAndStripAreShown();
     void aLoginWithoutPasswordIsNotValidated();
     void handsOverOnlyOnce();
@@ -238,6 +240,33 @@ void tst_KavlorSplashWindow::transportErrorEndsTheProgram()
     QVERIFY2(text.startsWith(opening), qPrintable(text));
     QVERIFY(text.size() > opening.size());
     QCOMPARE(window.service.operations(), operations.mid(0, which + 1));
+    QVERIFY2(window.service.isDone(), window.service.report());
+}
+
+void tst_KavlorSplashWindow::offlineTheStartEndsWithOneBoxAndNoRequest()
+{
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("CGConfBackend")));
+    RootWindow window;
+    testTimeConstants().connectionWait = 50;
+    window.connector.reportState(OnlineConnector::Disconnected);
+    window.start(); // waits and fails within the call
+    QTRY_VERIFY(!window.root()->isVisible());
+    QCOMPARE(window.dialogs.boxes().size(), 1);
+    QVERIFY(window.dialogs.boxes().constFirst().text.endsWith(
+        QStringLiteral("Unable to create a connection")));
+    QVERIFY2(window.service.isDone(), window.service.report());
+}
+
+void tst_KavlorSplashWindow::aWindowClosedWhileWaitingForAConnectionIsToldNothing()
+{
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("CGConfBackend")));
+    RootWindow window;
+    testTimeConstants().connectionWait = 100;
+    window.connector.reportState(OnlineConnector::Disconnected);
+    QTimer::singleShot(0, this, [] { QApplication::closeAllWindows(); });
+    window.start();
+    QVERIFY(!window.root()->isVisible());
+    QCOMPARE(window.dialogs.boxes().size(), 0);
     QVERIFY2(window.service.isDone(), window.service.report());
 }
 
