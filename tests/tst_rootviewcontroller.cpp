@@ -20,6 +20,8 @@ class tst_RootViewController : public TestCase
 private slots:
     void notSignedInBar();
     void homeBar();
+    void barsAfterSignIn_data();
+    void barsAfterSignIn();
     void aUserNameWithoutPasswordCountsAsNobody();
     void settingsWithAnEmptyPasswordFallBackToWelcome();
     void progressOperationsNeedTheBarBeforeSignIn();
@@ -58,6 +60,55 @@ void tst_RootViewController::homeBar()
     QCOMPARE(window.text("cancelNavigationButton"), QStringLiteral("Sign out"));
     QVERIFY(window.find("labelNavigationIcon"));
     QVERIFY(!window.find("backNavigationButton"));
+}
+
+void tst_RootViewController::barsAfterSignIn_data()
+{
+    QTest::addColumn<QByteArray>("button"); // of the home frame; empty = after an upload
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QString>("icon");
+    QTest::addColumn<QString>("back");
+    QTest::addColumn<bool>("cancelShown");
+
+    QTest::newRow("my auctions") << QByteArray("buttonMyKavlor") << "My kavlor"
+                                 << ":/myKavlor.png"
+                                 << "Back" << false;
+    QTest::newRow("upload") << QByteArray("buttonUpload") << "Upload"
+                            << ":/UploadIcon.png"
+                            << "Back" << true;
+    QTest::newRow("settings") << QByteArray("buttonSettings") << "Settings"
+                              << ":/MySettingsIcon.png"
+                              << "Back" << false;
+    QTest::newRow("alert options after an upload") << QByteArray() << "Notification Options"
+                                                   << ":/NotificationIcon.png"
+                                                   << "Home" << false;
+}
+
+void tst_RootViewController::barsAfterSignIn()
+{
+    QFETCH(QByteArray, button);
+    QFETCH(QString, title);
+    QFETCH(QString, icon);
+    QFETCH(QString, back);
+    QFETCH(bool, cancelShown);
+
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    window.service.expect("GetMyAuctions", "header\n");
+    if (button.isEmpty())
+        emit window.root()->UploadComplete();
+    else
+        QVERIFY(window.click(button.constData()));
+    QTRY_COMPARE(window.title(), title);
+    QCOMPARE(window.text("backNavigationButton"), back);
+    QCOMPARE(window.find("cancelNavigationButton") != nullptr, cancelShown);
+    if (cancelShown)
+        QCOMPARE(window.text("cancelNavigationButton"), QStringLiteral("Cancel"));
+    NavigationControlableFrame expected(nullptr);
+    expected.setTitleAndIcon(title, icon);
+    QCOMPARE(
+        window.find<QLabel>("labelNavigationIcon")->pixmap().toImage(),
+        expected.findChild<QLabel *>(QStringLiteral("labelNavigationIcon"))->pixmap().toImage());
 }
 
 void tst_RootViewController::aUserNameWithoutPasswordCountsAsNobody()
