@@ -294,7 +294,9 @@ void CUploadMediaController::showDescription()
     m_ui->descriptionFrame->show();
     if (!m_record.caption.isEmpty())
         m_ui->lineCaption->setText(m_record.caption);
-    if (!m_record.description.isEmpty())
+    // Not when it is there already: putting it back would count as a touch of the prompt.
+    if (!m_record.description.isEmpty()
+        && m_record.description != m_ui->textDescription->toPlainText())
         m_ui->textDescription->setPlainText(m_record.description);
     m_step = Describing;
 }

@@ -9,7 +9,7 @@
  * Answers the modal windows of the program as a member would, and notes what they said.
  *
  * While it lives, every message box that appears is recorded and its default button clicked with
- * the mouse; every file dialog gets the next path of chooseFile() typed in and confirmed, or is
+ * the mouse; every file dialog gets the next path of chooseFile() selected and accepted, or is
  * cancelled when there is none.
  */
 class DialogAnswers : public QObject

@@ -1,0 +1,1331 @@
+#include "httptolvex.h"
+#include "kavlorauctioncategorize.h"
+#include "kavlorauctionconfirm.h"
+#include "kavlorauctioncreate.h"
+#include "kavlorcategorystore.h"
+#include "kavlorknownuser.h"
+#include "notificationscontroller.h"
+#include "progressivemodel.h"
+#include "rootwindow.h"
+#include "testcase.h"
+#include "testconstants.h"
+#include "testmain.h"
+#include "uploadmediaconfirmation.h"
+#include "uploadmediacontroller.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPixmapCache>
+#include <QPlainTextEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QSpinBox>
+#include <QStandardPaths>
+#include <QTableView>
+#include <QTextBrowser>
+#include <QToolButton>
+#include <QWindow>
+
+using Wizard = CUploadMediaController;
+
+namespace {
+
+constexpr int noCell = -1;
+
+// A member in the wizard of the real root window.
+class WizardDriver
+{
+public:
+    // Signs in, makes the window as small as it gets and opens the wizard.
+    bool open()
+    {
+        if (!window.startAtHome())
+            return false;
+        CKavlorCategoryStore::load(
+            QStringLiteral("h\n1,Sports,0\n2,Event,0\n10,Football,1\n11,Tennis,1"));
+        window.root()->resize(800, 424);
+        if (!window.click("buttonUpload"))
+            return false;
+        wizard = window.shown<Wizard>();
+        return wizard && waitForWindow();
+    }
+
+    QString makePhoto(const QString &name, int width, int height)
+    {
+        QImage photo(width, height, QImage::Format_RGB32);
+        photo.fill(Qt::blue);
+        QPainter(&photo).fillRect(0, 0, width / 2, height / 2, Qt::red); // its upper left corner
+        const QString path = window.folder.filePath(name);
+        return photo.save(path) ? path : QString();
+    }
+
+    QString makeFile(const QString &name, const QByteArray &content = "no picture")
+    {
+        QFile file(window.folder.filePath(name));
+        return file.open(QIODevice::WriteOnly) && file.write(content) == content.size()
+            ? file.fileName()
+            : QString();
+    }
+
+    // The file dialog opens on the click; an empty path cancels it.
+    void choose(const QString &path)
+    {
+        window.dialogs.chooseFile(path);
+        window.click("photoClicker");
+        waitForWindow();
+    }
+
+    // A dialog took the activation with it; without it no field gets the focus.
+    bool waitForWindow()
+    {
+        window.root()->activateWindow();
+        return QTest::qWaitForWindowActive(window.root());
+    }
+
+    bool describe(const QString &caption)
+    {
+        choose(makePhoto(QStringLiteral("photo.png"), 40, 30));
+        return type("lineCaption", caption);
+    }
+
+    // Clicks into a field and types, without wiping it first.
+    bool type(const char *name, const QString &text)
+    {
+        QWidget *field = window.find(name);
+        if (!field || !field->isEnabled())
+            return false;
+        auto *area = qobject_cast<QAbstractScrollArea *>(field);
+        QTest::mouseClick(area ? area->viewport() : field, Qt::LeftButton);
+        QTest::keyClicks(field, text);
+        return true;
+    }
+
+    bool toCategories()
+    {
+        return describe(QStringLiteral("a caption")) && window.click("doneButton")
+            && window.find("categoriesTable");
+    }
+
+    bool pick(int row)
+    {
+        auto *table = window.find<QTableView>("categoriesTable");
+        if (!table)
+            return false;
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, {},
+                          table->visualRect(table->model()->index(row, 1)).center());
+        return true;
+    }
+
+    bool waitForPrices()
+    {
+        return QTest::qWaitFor([this] { return window.find("finalizeButton") != nullptr; });
+    }
+
+    bool toPrices()
+    {
+        return toCategories() && pick(0) && pick(0) && waitForPrices();
+    }
+
+    bool setPrice(const char *name, const QString &digits)
+    {
+        auto *field = window.find<QSpinBox>(name);
+        if (!field)
+            return false;
+        field->selectAll();
+        QTest::keyClicks(field, digits);
+        return true;
+    }
+
+    bool toConfirmation()
+    {
+        return toPrices() && setPrice("startPrice", QStringLiteral("10"))
+            && setPrice("reservePrice", QStringLiteral("20"))
+            && setPrice("buyItNowPrice", QStringLiteral("30")) && window.click("finalizeButton")
+            && window.find("createAuctionButton");
+    }
+
+    // Up to an upload that the service has received and not yet answered.
+    bool toHeldUpload(const QByteArray &reply = "42")
+    {
+        window.service.expectHeld("CreateAuction", reply);
+        return toConfirmation() && window.click("createAuctionButton")
+            && QTest::qWaitFor([this] { return window.service.isHolding(); });
+    }
+
+    bool waitForHome()
+    {
+        return QTest::qWaitFor([this] { return window.shown<KavlorKnownUser>() != nullptr; })
+            && QTest::qWaitFor([this] { return !wizard; });
+    }
+
+    // Which cell of the progress strip is lit.
+    int litCell() const
+    {
+        const auto *strip = wizard->findChild<QTableView *>(QStringLiteral("progressUpload"));
+        const QAbstractItemModel *model = strip->model();
+        const QImage normal = unlitCell();
+        int lit = noCell;
+        for (int column = 0; column < model->columnCount(); ++column) {
+            if (model->index(0, column).data(Qt::DecorationRole).value<QImage>() != normal)
+                lit = column;
+        }
+        return lit;
+    }
+
+    QPixmap preview() const
+    {
+        return wizard->findChild<QLabel *>(QStringLiteral("photoLabel"))->pixmap();
+    }
+
+    QSize previewSize() const
+    {
+        return wizard->findChild<QLabel *>(QStringLiteral("photoLabel"))->size();
+    }
+
+    QString chooserText() const
+    {
+        return wizard->findChild<QToolButton *>(QStringLiteral("photoClicker"))->text();
+    }
+
+    template <typename Widget>
+    Widget *part(const char *name) const
+    {
+        return wizard->findChild<Widget *>(QLatin1String(name));
+    }
+
+    QString caption() const
+    {
+        return part<QLineEdit>("lineCaption")->text();
+    }
+
+    QString description() const
+    {
+        return part<QPlainTextEdit>("textDescription")->toPlainText();
+    }
+
+    QString lastBox() const
+    {
+        return window.dialogs.boxes().isEmpty() ? QString() : window.dialogs.boxes().last().text;
+    }
+
+    // The value of a text part of the upload.
+    QByteArray sentPart(const QByteArray &name) const
+    {
+        const QByteArray body = window.service.requests().last().body;
+        const QByteArray head = "name=\"" + name + "\"\r\n\r\n";
+        const qsizetype start = body.indexOf(head);
+        if (start < 0)
+            return "no such part";
+        return body.mid(start + head.size(), body.indexOf("\r\n--", start) - start - head.size());
+    }
+
+    int uploads() const
+    {
+        return static_cast<int>(window.service.operations().count("CreateAuction"));
+    }
+
+    RootWindow window;
+    QPointer<Wizard> wizard;
+
+private:
+    static QImage unlitCell()
+    {
+        const CProgressiveModel dark(nullptr, 3, 0);
+        return dark.index(0, 0).data(Qt::DecorationRole).value<QImage>();
+    }
+};
+
+QString cannotLoad(const QString &path)
+{
+    return QStringLiteral("Cannot load %1.").arg(path);
+}
+
+} // namespace
+
+class tst_UploadMediaController : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+
+    void formHasTheStatedTextsAndSettings();
+    void nothingCanBeDescribedBeforeMediaIsChosen();
+    void everythingFitsTheSmallWindow();
+    void tabsGoInReadingOrder();
+
+    void aPhotoOpensTheDescription();
+    void theDialogStartsInThePicturesFolder();
+    void theDialogStartsWhereTheCurrentMediaIs();
+    void cancellingTheFirstDialogChangesNothing();
+    void cancellingTheDialogWithMediaReloadsTheFile();
+    void filesThatCannotBeLoaded_data();
+    void filesThatCannotBeLoaded();
+    void aFileThatCannotBeLoadedIsTakenAllTheSame();
+    void clipMp4ShowsThePaintedVideoIcon();
+    void theVideoIconIsKept();
+    void theCaptureDateIsWhenTheFileWasMade();
+    void aChosenPictureSignalShowsThePicture();
+
+    void previewIsScaledIntoASquareOfThePreviewsHeight_data();
+    void previewIsScaledIntoASquareOfThePreviewsHeight();
+    void aPortraitIsTurnedClockwiseAfterTheDelay();
+    void aNewChoiceInTheDelayIsNotTurned();
+    void leavingInTheDelayIsSafe();
+
+    void theFirstTouchWipesThePrompt_data();
+    void theFirstTouchWipesThePrompt();
+    void theFirstLetterBecomesACapital();
+    void typingInTheMiddleOfTheCaptionKeepsThePlace();
+    void aCapitalizedDescriptionPutsTheCursorBehindTheFirstLetter();
+    void captionsEndAtTheirMaximumLength();
+    void withoutACaptionThePageStays();
+    void aCaptionThatWasErasedStillPasses();
+    void deletionWithTheCaptionSelectedIsSafe();
+
+    void theStripFollowsTheSteps();
+    void aPageTakesThePlaceOfTheDescription();
+    void anUntouchedDescriptionIsSentEmpty();
+    void backFromMediaChoiceGoesHome();
+    void backFromTheDescriptionGoesHome();
+    void backFromTheCategoriesRestoresTheDescription();
+    void backFromThePricesRestoresTheCategory();
+    void backFromTheConfirmationRestoresThePrices();
+    void backInTheCategoryDelayDoesNotGoOn();
+    void cancelGoesHomeFromEveryStep_data();
+    void cancelGoesHomeFromEveryStep();
+    void cancelTwiceGoesHomeOnce();
+    void doubleClickOnFinalizeDoesNotCreateTheAuction();
+
+    void theUploadCarriesWhatTheMemberEntered();
+    void successLeadsToTheAlerts();
+    void nextTwiceLeavesOnce();
+    void createAuctionTwiceSendsOnce();
+    void theStripIsAnimatedDuringTheUpload();
+    void failedUploads_data();
+    void failedUploads();
+    void a404CountsAsASuccessWithoutText();
+    void noConnectionFails();
+    void anUnreadableFileFails();
+    void timeoutFailsOnceThoughTwoResultsCome();
+    void withoutARequestObjectNothingCanBeUploaded();
+    void cancelDuringTheUploadGoesHome();
+    void backDuringTheUploadReopensThePricesAndLetsItRun();
+    void aFailureAfterBackGoesHome();
+    void aSecondUploadIsNotStartedDuringTheFirst();
+    void aReplyDuringAMessageIsSafe();
+    void aFailureDuringTheFileDialogIsSafe();
+    void aReplyWithoutAnUploadOnlySetsTheStrip();
+    void theEndOfTheProgramDuringTheUploadIsSafe();
+};
+
+void tst_UploadMediaController::init()
+{
+    TestCase::init();
+    QPixmapCache::clear();
+    testTimeConstants().categoryDelay = 1;
+}
+
+void tst_UploadMediaController::formHasTheStatedTextsAndSettings()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QCOMPARE(driver.wizard->windowTitle(), QStringLiteral("Frame"));
+    QCOMPARE(driver.window.title(), QStringLiteral("Upload"));
+    QVERIFY(driver.window.find("backNavigationButton"));
+    QCOMPARE(driver.window.text("cancelNavigationButton"), QStringLiteral("Cancel"));
+
+    const auto *clicker = driver.part<QToolButton>("photoClicker");
+    QCOMPARE(clicker->text(), QStringLiteral("\nselect here to\nchoose a photo\n or video"));
+    QCOMPARE(clicker->toolButtonStyle(), Qt::ToolButtonTextUnderIcon);
+    QVERIFY(clicker->autoRaise());
+    QCOMPARE(clicker->property("beEmpty"), QVariant(false));
+    QVERIFY(!clicker->accessibleName().isEmpty());
+
+    const auto *caption = driver.part<QLineEdit>("lineCaption");
+    QCOMPARE(caption->text(), QStringLiteral("Caption"));
+    QCOMPARE(caption->toolTip(), QStringLiteral("Enter a caption"));
+    QCOMPARE(caption->maxLength(), 500);
+    QCOMPARE(caption->focusPolicy(), Qt::WheelFocus);
+    QCOMPARE(caption->property("edited"), QVariant(false));
+
+    const auto *description = driver.part<QPlainTextEdit>("textDescription");
+    QCOMPARE(description->toPlainText(), QStringLiteral("Description"));
+    QCOMPARE(description->maximumHeight(), 192);
+    QCOMPARE(description->property("edited"), QVariant(false));
+    QCOMPARE(driver.part<QPushButton>("doneButton")->text(), QStringLiteral("Set Category"));
+    QCOMPARE(driver.part<QLineEdit>("DummylineEdit")->size(), QSize(1, 1));
+    QCOMPARE(driver.litCell(), noCell);
+}
+
+void tst_UploadMediaController::nothingCanBeDescribedBeforeMediaIsChosen()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(!driver.part<QFrame>("descriptionFrame")->isEnabled());
+    QVERIFY(!driver.type("lineCaption", QStringLiteral("hello")));
+    QVERIFY(!driver.window.click("doneButton"));
+    QVERIFY(!driver.preview().isNull());
+}
+
+void tst_UploadMediaController::everythingFitsTheSmallWindow()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    const auto fits = [&driver](const char *name) {
+        const QWidget *widget = driver.window.find(name);
+        const QRect place(widget->mapTo(driver.wizard, QPoint()), widget->size());
+        return driver.wizard->rect().contains(place)
+            && widget->height() >= widget->minimumSizeHint().height();
+    };
+    QVERIFY(driver.wizard->width() == 800 && driver.wizard->height() <= 344);
+    QVERIFY(fits("photoFrame") && fits("progressUpload") && fits("doneButton"));
+    QVERIFY(driver.previewSize().width() > driver.previewSize().height());
+    QVERIFY(driver.toCategories());
+    QVERIFY(fits("unselect") && fits("categorySelected") && fits("categoriesTable"));
+    QVERIFY(driver.window.find("categoriesTable")->width() >= 480);
+    QVERIFY(driver.window.find("categoriesTable")->height() >= 2 * 87);
+    driver.pick(0);
+    driver.pick(0);
+    QVERIFY(driver.waitForPrices());
+    QVERIFY(fits("label_4") && fits("startPrice") && fits("buyItNowPrice"));
+    QVERIFY(fits("finalizeButton"));
+    QVERIFY(driver.window.click("finalizeButton"));
+    QVERIFY(fits("auctionOverallInfo") && fits("createAuctionButton"));
+    QVERIFY(driver.window.find("createAuctionButton")->height() >= 70);
+    QCOMPARE(driver.window.root()->size(), QSize(800, 424));
+}
+
+void tst_UploadMediaController::tabsGoInReadingOrder()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.describe(QStringLiteral("a")));
+    driver.part<QToolButton>("photoClicker")->setFocus();
+    for (const char *name : {"lineCaption", "textDescription", "doneButton"}) {
+        QTest::keyClick(driver.wizard->focusWidget(), Qt::Key_Tab);
+        QCOMPARE(driver.wizard->focusWidget()->objectName(), QLatin1String(name));
+    }
+    QTest::keyClick(driver.wizard->focusWidget(), Qt::Key_Space);
+    QVERIFY(driver.window.find("categoriesTable"));
+}
+
+void tst_UploadMediaController::aPhotoOpensTheDescription()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QSignalSpy toBeShown(driver.wizard, &Wizard::descriptionToBeShown);
+    driver.choose(driver.makePhoto(QStringLiteral("a.jpg"), 400, 300));
+    QCOMPARE(driver.window.dialogs.fileDialogCount(), 1);
+    QCOMPARE(driver.window.dialogs.boxes().size(), 0);
+    QCOMPARE(toBeShown.count(), 1);
+    QVERIFY(driver.part<QFrame>("descriptionFrame")->isEnabled());
+    QCOMPARE(driver.chooserText(), QString());
+    QCOMPARE(driver.litCell(), 0);
+    // Nobody has touched the fields yet.
+    QCOMPARE(driver.caption(), QStringLiteral("Caption"));
+    QCOMPARE(driver.description(), QStringLiteral("Description"));
+}
+
+void tst_UploadMediaController::theDialogStartsInThePicturesFolder()
+{
+    const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    QVERIFY(QDir().mkpath(pictures));
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    driver.choose(QString());
+    QCOMPARE(driver.window.dialogs.lastFolder(), pictures);
+}
+
+void tst_UploadMediaController::theDialogStartsWhereTheCurrentMediaIs()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    const QString photo = driver.makePhoto(QStringLiteral("a.png"), 40, 30);
+    driver.choose(photo);
+    driver.choose(QString());
+    QCOMPARE(driver.window.dialogs.lastFolder(), driver.window.folder.path());
+    QVERIFY(QFile::remove(photo));
+    driver.choose(QString());
+    QVERIFY(driver.window.dialogs.lastFolder() != driver.window.folder.path());
+    QCOMPARE(driver.lastBox(), cannotLoad(photo));
+}
+
+void tst_UploadMediaController::cancellingTheFirstDialogChangesNothing()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    const QString prompt = driver.chooserText();
+    driver.choose(QString());
+    QCOMPARE(driver.window.dialogs.fileDialogCount(), 1);
+    QCOMPARE(driver.chooserText(), prompt);
+    QVERIFY(!driver.part<QFrame>("descriptionFrame")->isEnabled());
+    QCOMPARE(driver.litCell(), noCell);
+}
+
+void tst_UploadMediaController::cancellingTheDialogWithMediaReloadsTheFile()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toPrices());
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QCOMPARE(driver.window.text("categorySelected"), QStringLiteral("Sports>Football"));
+    QVERIFY(driver.window.click("backNavigationButton"));
+
+    const QImage before = driver.preview().toImage();
+    driver.makePhoto(QStringLiteral("photo.png"), 30, 30); // another picture under that name
+    driver.choose(QString());
+    QVERIFY(driver.preview().toImage() != before);
+    QCOMPARE(driver.preview().width(), driver.preview().height());
+    QVERIFY(driver.window.click("doneButton"));
+    QCOMPARE(driver.window.text("categorySelected"), QStringLiteral("None"));
+}
+
+void tst_UploadMediaController::filesThatCannotBeLoaded_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("a clip named 3gp") << QStringLiteral("clip.3gp");
+    QTest::newRow("a clip named MP4") << QStringLiteral("clip.MP4");
+    QTest::newRow("a broken photo") << QStringLiteral("photo.jpg");
+}
+
+void tst_UploadMediaController::filesThatCannotBeLoaded()
+{
+    QFETCH(QString, name);
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    const QString prompt = driver.chooserText();
+    const QString path = driver.makeFile(name);
+    driver.choose(path);
+    QCOMPARE(driver.window.dialogs.boxes().size(), 1);
+    QCOMPARE(driver.window.dialogs.boxes().at(0).title, QStringLiteral("kavlor media"));
+    QCOMPARE(driver.lastBox(), cannotLoad(path));
+    QPixmap icon;
+    QVERIFY(!QPixmapCache::find(QStringLiteral(":/videoicon.png"), &icon));
+    QCOMPARE(driver.chooserText(), prompt);
+    QVERIFY(!driver.part<QFrame>("descriptionFrame")->isEnabled());
+}
+
+void tst_UploadMediaController::aFileThatCannotBeLoadedIsTakenAllTheSame()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toPrices());
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(driver.window.click("backNavigationButton"));
+    driver.choose(driver.makeFile(QStringLiteral("broken.jpg")));
+    QVERIFY(driver.window.click("doneButton"));
+    QCOMPARE(driver.window.text("categorySelected"), QStringLiteral("None"));
+    driver.pick(1);
+    QVERIFY(driver.waitForPrices());
+    QVERIFY(driver.window.click("finalizeButton"));
+    QVERIFY(driver.window.find<QTextBrowser>("auctionOverallInfo")
+                ->toPlainText()
+                .contains(QLatin1String("broken.jpg")));
+}
+
+void tst_UploadMediaController::clipMp4ShowsThePaintedVideoIcon()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    driver.choose(driver.makeFile(QStringLiteral("clip.mp4")));
+    QCOMPARE(driver.window.dialogs.boxes().size(), 0);
+    QCOMPARE(driver.chooserText(), QString());
+    QCOMPARE(driver.preview().size(), driver.previewSize());
+    QVERIFY(driver.part<QFrame>("descriptionFrame")->isEnabled());
+
+    const QImage bare =
+        QPixmap(QStringLiteral(":/videoicon.png"))
+            .scaled(driver.previewSize(), Qt::IgnoreAspectRatio, Qt::FastTransformation)
+            .toImage();
+    const QImage painted = driver.preview().toImage().convertToFormat(bare.format());
+    const int half = bare.height() / 2;
+    QCOMPARE(painted.copy(0, 0, bare.width(), half), bare.copy(0, 0, bare.width(), half));
+    QVERIFY(painted.copy(0, half, bare.width(), half) != bare.copy(0, half, bare.width(), half));
+}
+
+void tst_UploadMediaController::theVideoIconIsKept()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    driver.choose(driver.makeFile(QStringLiteral("clip.mp4")));
+    QPixmap icon;
+    QVERIFY(QPixmapCache::find(QStringLiteral(":/videoicon.png"), &icon));
+    driver.choose(driver.makePhoto(QStringLiteral("a.png"), 40, 30));
+    driver.choose(driver.makeFile(QStringLiteral("other.mp4")));
+    QCOMPARE(driver.preview().cacheKey(), icon.cacheKey());
+}
+
+void tst_UploadMediaController::theCaptureDateIsWhenTheFileWasMade()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toHeldUpload());
+    const QFileInfo file(driver.window.folder.filePath(QStringLiteral("photo.png")));
+    const QDateTime birth = file.birthTime();
+    const QDateTime made = birth.isValid() ? birth : file.metadataChangeTime();
+    QVERIFY(made.isValid());
+    QCOMPARE(driver.sentPart("CaptureDate"),
+             made.toString(QStringLiteral("yyyyMMddhhmmss")).toLatin1());
+}
+
+void tst_UploadMediaController::aChosenPictureSignalShowsThePicture()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    emit driver.wizard->pictureIsChosen(QString());
+    QVERIFY(!driver.part<QFrame>("descriptionFrame")->isEnabled());
+    emit driver.wizard->pictureIsChosen(driver.makePhoto(QStringLiteral("a.png"), 40, 30));
+    QVERIFY(driver.part<QFrame>("descriptionFrame")->isEnabled());
+    emit driver.wizard->pictureIsChosen(driver.makeFile(QStringLiteral("clip.avi")), true);
+    QCOMPARE(driver.preview().size(), driver.previewSize());
+}
+
+void tst_UploadMediaController::previewIsScaledIntoASquareOfThePreviewsHeight_data()
+{
+    QTest::addColumn<QSize>("photo");
+    QTest::newRow("landscape") << QSize(800, 600);
+    QTest::newRow("square") << QSize(500, 500);
+    QTest::newRow("small landscape") << QSize(8, 6);
+}
+
+void tst_UploadMediaController::previewIsScaledIntoASquareOfThePreviewsHeight()
+{
+    QFETCH(QSize, photo);
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    const int side = driver.previewSize().height();
+    const QSize scaled = photo.scaled(side, side, Qt::KeepAspectRatio);
+    driver.choose(driver.makePhoto(QStringLiteral("a.png"), photo.width(), photo.height()));
+    QCOMPARE(driver.preview().size(), scaled);
+
+    // Neither is turned, and the size is measured once.
+    driver.window.root()->resize(1000, 700);
+    QTest::qWait(2 * testTimeConstants().rotationDelay);
+    QCOMPARE(driver.preview().size(), scaled);
+    QCOMPARE(driver.preview().toImage().pixelColor(1, 1), QColor(Qt::red));
+    driver.choose(QString());
+    QCOMPARE(driver.preview().size(), scaled);
+}
+
+void tst_UploadMediaController::aPortraitIsTurnedClockwiseAfterTheDelay()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    const int side = driver.previewSize().height();
+    const QSize upright = QSize(600, 800).scaled(side, side, Qt::KeepAspectRatio);
+    QElapsedTimer clock;
+    clock.start();
+    emit driver.wizard->pictureIsChosen(driver.makePhoto(QStringLiteral("a.png"), 600, 800));
+    QCOMPARE(driver.preview().size(), upright);
+    QTRY_COMPARE(driver.preview().size(), upright.transposed());
+    QVERIFY(clock.elapsed() >= 45);
+    const QImage turned = driver.preview().toImage();
+    QCOMPARE(turned.pixelColor(turned.width() - 2, 1), QColor(Qt::red));
+    QCOMPARE(turned.pixelColor(1, 1), QColor(Qt::blue));
+}
+
+void tst_UploadMediaController::aNewChoiceInTheDelayIsNotTurned()
+{
+    testTimeConstants().rotationDelay = 100;
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    const QString portrait = driver.makePhoto(QStringLiteral("a.png"), 60, 80);
+    const QString clip = driver.makeFile(QStringLiteral("clip.mp4"));
+    emit driver.wizard->pictureIsChosen(portrait);
+    emit driver.wizard->pictureIsChosen(clip, true);
+    const QImage icon = driver.preview().toImage();
+    QTest::qWait(2 * testTimeConstants().rotationDelay);
+    QCOMPARE(driver.preview().toImage(), icon);
+}
+
+void tst_UploadMediaController::leavingInTheDelayIsSafe()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    emit driver.wizard->pictureIsChosen(driver.makePhoto(QStringLiteral("a.png"), 60, 80));
+    QVERIFY(driver.window.click("cancelNavigationButton"));
+    QVERIFY(driver.waitForHome());
+    QTest::qWait(2 * testTimeConstants().rotationDelay);
+}
+
+void tst_UploadMediaController::theFirstTouchWipesThePrompt_data()
+{
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<bool>("byKey");
+    QTest::newRow("caption by mouse") << QStringLiteral("lineCaption") << false;
+    QTest::newRow("caption by key") << QStringLiteral("lineCaption") << true;
+    QTest::newRow("description by mouse") << QStringLiteral("textDescription") << false;
+    QTest::newRow("description by key") << QStringLiteral("textDescription") << true;
+}
+
+void tst_UploadMediaController::theFirstTouchWipesThePrompt()
+{
+    QFETCH(QString, field);
+    QFETCH(bool, byKey);
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    driver.choose(driver.makePhoto(QStringLiteral("a.png"), 40, 30));
+    auto *widget = driver.wizard->findChild<QWidget *>(field);
+    auto *area = qobject_cast<QAbstractScrollArea *>(widget);
+    if (byKey) {
+        widget->previousInFocusChain()->setFocus();
+        while (driver.wizard->focusWidget() != widget)
+            QTest::keyClick(driver.wizard->focusWidget(), Qt::Key_Tab);
+    } else {
+        // Where a click does not move the cursor.
+        QTest::mouseClick(area ? area->viewport() : widget, Qt::LeftButton, {}, QPoint(1, 8));
+    }
+    const auto text = [&] { return area ? driver.description() : driver.caption(); };
+    QCOMPARE(text(), QString());
+    QCOMPARE(widget->property("edited"), QVariant(true));
+    QTest::keyClicks(widget, QStringLiteral("hello"));
+    QCOMPARE(text(), QStringLiteral("Hello"));
+
+    // The second touch wipes nothing.
+    driver.part<QLineEdit>("DummylineEdit")->setFocus();
+    QTest::mouseClick(area ? area->viewport() : widget, Qt::LeftButton);
+    QCOMPARE(text(), QStringLiteral("Hello"));
+}
+
+void tst_UploadMediaController::theFirstLetterBecomesACapital()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    driver.choose(driver.makePhoto(QStringLiteral("a.png"), 40, 30));
+    QVERIFY(driver.type("lineCaption", QStringLiteral("hello World")));
+    QCOMPARE(driver.caption(), QStringLiteral("Hello World"));
+    QVERIFY(driver.type("textDescription", QStringLiteral("two words")));
+    QCOMPARE(driver.description(), QStringLiteral("Two words"));
+    QCOMPARE(driver.caption(), QStringLiteral("Hello World"));
+
+    auto *caption = driver.part<QLineEdit>("lineCaption");
+    QTest::keyClick(caption, Qt::Key_Home);
+    QTest::keyClick(caption, Qt::Key_Delete);
+    QCOMPARE(driver.caption(), QStringLiteral("ello World")); // no cursor moved
+    QTest::keyClick(caption, Qt::Key_End);
+    QCOMPARE(driver.caption(), QStringLiteral("Ello World"));
+}
+
+void tst_UploadMediaController::typingInTheMiddleOfTheCaptionKeepsThePlace()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.describe(QStringLiteral("hello")));
+    auto *caption = driver.part<QLineEdit>("lineCaption");
+    QTest::keyClick(caption, Qt::Key_Left);
+    QTest::keyClick(caption, Qt::Key_Left);
+    QTest::keyClicks(caption, QStringLiteral("XY"));
+    QCOMPARE(driver.caption(), QStringLiteral("HelXYlo"));
+    QTest::keyClick(caption, Qt::Key_Home);
+    QTest::keyClicks(caption, QStringLiteral("ab"));
+    QCOMPARE(driver.caption(), QStringLiteral("AbHelXYlo"));
+}
+
+void tst_UploadMediaController::aCapitalizedDescriptionPutsTheCursorBehindTheFirstLetter()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    driver.choose(driver.makePhoto(QStringLiteral("a.png"), 40, 30));
+    QVERIFY(driver.type("textDescription", QStringLiteral("Hello you")));
+    auto *field = driver.part<QPlainTextEdit>("textDescription");
+    QTest::keyClick(field, Qt::Key_Home);
+    QTest::keyClick(field, Qt::Key_Delete);
+    QCOMPARE(driver.description(), QStringLiteral("ello you"));
+    QTest::keyClick(field, Qt::Key_End);
+    QCOMPARE(driver.description(), QStringLiteral("Ello you"));
+    QCOMPARE(field->textCursor().position(), 1);
+}
+
+void tst_UploadMediaController::captionsEndAtTheirMaximumLength()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.describe(QStringLiteral("a")));
+    auto *caption = driver.part<QLineEdit>("lineCaption");
+    caption->insert(QString(600, QLatin1Char('b')));
+    QCOMPARE(driver.caption().size(), 500);
+}
+
+void tst_UploadMediaController::withoutACaptionThePageStays()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    driver.choose(driver.makePhoto(QStringLiteral("a.png"), 40, 30));
+    QVERIFY(driver.window.click("doneButton")); // never touched
+    QCOMPARE(driver.lastBox(), QStringLiteral("Please enter a caption."));
+    QVERIFY(driver.type("lineCaption", QString())); // touched, nothing typed
+    QVERIFY(driver.window.click("doneButton"));
+    QCOMPARE(driver.window.dialogs.boxes().size(), 2);
+    QVERIFY(driver.window.find("doneButton"));
+    QVERIFY(!driver.window.find("categoriesTable"));
+    QCOMPARE(driver.litCell(), 0);
+}
+
+void tst_UploadMediaController::aCaptionThatWasErasedStillPasses()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.describe(QStringLiteral("x")));
+    QTest::keyClick(driver.part<QLineEdit>("lineCaption"), Qt::Key_Backspace);
+    QCOMPARE(driver.caption(), QString());
+    QVERIFY(driver.window.click("doneButton"));
+    QCOMPARE(driver.window.dialogs.boxes().size(), 0);
+    QVERIFY(driver.window.find("categoriesTable"));
+}
+
+void tst_UploadMediaController::deletionWithTheCaptionSelectedIsSafe()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.describe(QStringLiteral("hello")));
+    QVERIFY(driver.type("textDescription", QStringLiteral("more")));
+    QTest::keyClick(driver.part<QPlainTextEdit>("textDescription"), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(driver.wizard->focusWidget(), Qt::Key_Backtab);
+    QVERIFY(driver.part<QLineEdit>("lineCaption")->hasSelectedText());
+    delete driver.wizard;
+}
+
+void tst_UploadMediaController::theStripFollowsTheSteps()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QCOMPARE(driver.litCell(), noCell);
+    QVERIFY(driver.describe(QStringLiteral("a")));
+    QCOMPARE(driver.litCell(), 0); // 1 percent
+    QVERIFY(driver.window.click("doneButton"));
+    QCOMPARE(driver.litCell(), 1); // 34
+    driver.pick(1);
+    QVERIFY(driver.waitForPrices());
+    QCOMPARE(driver.litCell(), 2); // 69
+    QVERIFY(driver.window.click("finalizeButton"));
+    QCOMPARE(driver.litCell(), 2); // 99
+    driver.window.service.expectHeld("CreateAuction", "42");
+    QVERIFY(driver.window.click("createAuctionButton"));
+    QCOMPARE(driver.litCell(), 0); // starts again at 1
+    QTRY_VERIFY(driver.window.service.isHolding());
+    driver.window.service.release();
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    QCOMPARE(driver.litCell(), noCell); // 100
+}
+
+void tst_UploadMediaController::aPageTakesThePlaceOfTheDescription()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    auto *area = driver.part<QWidget>("pageArea");
+    const auto shownPages = [area] {
+        QList<QFrame *> shown;
+        const QList<QFrame *> pages =
+            area->findChildren<QFrame *>(QString(), Qt::FindDirectChildrenOnly);
+        for (QFrame *page : pages) {
+            if (page->isVisible() && page->size() == area->size())
+                shown.append(page);
+        }
+        return shown;
+    };
+    QCOMPARE(shownPages().size(), 1);
+    QVERIFY(driver.toCategories());
+    QCOMPARE(shownPages().size(), 1);
+    QVERIFY(qobject_cast<CKavlorAuctionCategorize *>(shownPages().at(0)));
+    QVERIFY(!driver.part<QToolButton>("photoClicker")->isEnabled());
+    driver.pick(1);
+    QVERIFY(driver.waitForPrices());
+    QCOMPARE(shownPages().size(), 1);
+    QVERIFY(qobject_cast<CKavlorAuctionCreate *>(shownPages().at(0)));
+    QVERIFY(driver.window.click("finalizeButton"));
+    QCOMPARE(shownPages().size(), 1);
+    QVERIFY(qobject_cast<CKavlorAuctionConfirm *>(shownPages().at(0)));
+    // The pages before are gone, not only hidden.
+    QTRY_VERIFY(!area->findChild<CKavlorAuctionCategorize *>());
+    QTRY_VERIFY(!area->findChild<CKavlorAuctionCreate *>());
+}
+
+void tst_UploadMediaController::anUntouchedDescriptionIsSentEmpty()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toPrices());
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QCOMPARE(driver.description(), QStringLiteral("Description"));
+    QVERIFY(driver.window.click("doneButton"));
+    driver.pick(1);
+    QVERIFY(driver.waitForPrices());
+    QVERIFY(driver.window.click("finalizeButton"));
+    driver.window.service.expect("CreateAuction", "42");
+    QVERIFY(driver.window.click("createAuctionButton"));
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    QCOMPARE(driver.sentPart("LongDescription"), QByteArray());
+    QCOMPARE(driver.sentPart("CategoryID"), QByteArray("11")); // the second beside the first choice
+}
+
+void tst_UploadMediaController::backFromMediaChoiceGoesHome()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(driver.waitForHome());
+    QCOMPARE(driver.window.title(), QStringLiteral("welcome to kavlor!"));
+}
+
+void tst_UploadMediaController::backFromTheDescriptionGoesHome()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.describe(QStringLiteral("a")));
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(driver.waitForHome());
+}
+
+void tst_UploadMediaController::backFromTheCategoriesRestoresTheDescription()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.describe(QStringLiteral("hello")));
+    QVERIFY(driver.type("textDescription", QStringLiteral("long story")));
+    QVERIFY(driver.window.click("doneButton"));
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(!driver.window.find("categoriesTable"));
+    QVERIFY(driver.window.find("lineCaption"));
+    QCOMPARE(driver.caption(), QStringLiteral("Hello"));
+    QCOMPARE(driver.description(), QStringLiteral("Long story"));
+    QVERIFY(driver.part<QToolButton>("photoClicker")->isEnabled());
+    QCOMPARE(driver.litCell(), 0);
+}
+
+void tst_UploadMediaController::backFromThePricesRestoresTheCategory()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toPrices());
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(!driver.window.find("finalizeButton"));
+    QCOMPARE(driver.window.text("categorySelected"), QStringLiteral("Sports>Football"));
+    QCOMPARE(driver.litCell(), 1);
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(driver.window.find("lineCaption"));
+}
+
+void tst_UploadMediaController::backFromTheConfirmationRestoresThePrices()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toConfirmation());
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(!driver.window.find("createAuctionButton"));
+    QCOMPARE(driver.window.find<QSpinBox>("startPrice")->value(), 10);
+    QCOMPARE(driver.window.find<QSpinBox>("reservePrice")->value(), 20);
+    QCOMPARE(driver.window.find<QSpinBox>("buyItNowPrice")->value(), 30);
+    QCOMPARE(driver.litCell(), 2);
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QCOMPARE(driver.window.text("categorySelected"), QStringLiteral("Sports>Football"));
+}
+
+void tst_UploadMediaController::backInTheCategoryDelayDoesNotGoOn()
+{
+    testTimeConstants().categoryDelay = 60;
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toCategories());
+    driver.pick(1);
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QTest::qWait(2 * testTimeConstants().categoryDelay);
+    QVERIFY(!driver.window.find("finalizeButton"));
+    QVERIFY(driver.window.find("lineCaption"));
+}
+
+void tst_UploadMediaController::cancelGoesHomeFromEveryStep_data()
+{
+    QTest::addColumn<int>("step");
+    QTest::newRow("media choice") << 0;
+    QTest::newRow("description") << 1;
+    QTest::newRow("categories") << 2;
+    QTest::newRow("prices") << 3;
+    QTest::newRow("confirmation") << 4;
+}
+
+void tst_UploadMediaController::cancelGoesHomeFromEveryStep()
+{
+    QFETCH(int, step);
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    bool there = true;
+    if (step == 1)
+        there = driver.describe(QStringLiteral("a"));
+    else if (step == 2)
+        there = driver.toCategories();
+    else if (step == 3)
+        there = driver.toPrices();
+    else if (step == 4)
+        there = driver.toConfirmation();
+    QVERIFY(there);
+    QVERIFY(driver.window.click("cancelNavigationButton"));
+    QVERIFY(driver.waitForHome());
+    QVERIFY2(driver.window.service.isDone(), driver.window.service.report());
+}
+
+void tst_UploadMediaController::cancelTwiceGoesHomeOnce()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    auto *button = driver.window.find<QPushButton>("cancelNavigationButton");
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTest::mouseClick(button, Qt::LeftButton);
+    driver.wizard->cancelClicked();
+    driver.wizard->backClicked();
+    QVERIFY(driver.waitForHome());
+    QCOMPARE(driver.window.root()->findChildren<KavlorKnownUser *>().size(), 1);
+}
+
+void tst_UploadMediaController::doubleClickOnFinalizeDoesNotCreateTheAuction()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toPrices());
+    QWidget *button = driver.window.find("finalizeButton");
+    const QPoint place = button->mapTo(driver.window.root(), button->rect().center());
+    // By way of the window: the second half goes to whatever is there by then.
+    QTest::mouseDClick(driver.window.root()->windowHandle(), Qt::LeftButton, {}, place);
+    QVERIFY(driver.window.find("createAuctionButton"));
+    QVERIFY(driver.window.find("createAuctionButton")->isEnabled());
+    QCOMPARE(driver.uploads(), 0);
+}
+
+void tst_UploadMediaController::theUploadCarriesWhatTheMemberEntered()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.describe(QStringLiteral("sunset <1>")));
+    QVERIFY(driver.type("textDescription", QStringLiteral("by the bay")));
+    QVERIFY(driver.window.click("doneButton"));
+    driver.pick(0);
+    driver.pick(1);
+    QVERIFY(driver.waitForPrices());
+    QVERIFY(driver.setPrice("startPrice", QStringLiteral("7")));
+    QVERIFY(driver.setPrice("buyItNowPrice", QStringLiteral("5")));
+    QVERIFY(driver.window.click("finalizeButton"));
+    QVERIFY(driver.window.find<QTextBrowser>("auctionOverallInfo")
+                ->toPlainText()
+                .contains(QLatin1String("Sunset <1>")));
+    driver.window.service.expect("CreateAuction", "42");
+    QVERIFY(driver.window.click("createAuctionButton"));
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    QVERIFY2(driver.window.service.isDone(), driver.window.service.report());
+
+    QCOMPARE(driver.sentPart("Username"), QByteArray("m1"));
+    QCOMPARE(driver.sentPart("Password"), QByteArray("secret"));
+    QCOMPARE(driver.sentPart("CategoryID"), QByteArray("11"));
+    QCOMPARE(driver.sentPart("Description"), QByteArray("Sunset <1>"));
+    QCOMPARE(driver.sentPart("LongDescription"), QByteArray("By the bay"));
+    QCOMPARE(driver.sentPart("StartPrice"), QByteArray("7"));
+    QCOMPARE(driver.sentPart("ReservePrice"), QByteArray("1")); // not set
+    QCOMPARE(driver.sentPart("BuyItNowPrice"), QByteArray("5"));
+    QFile photo(driver.window.folder.filePath(QStringLiteral("photo.png")));
+    QVERIFY(photo.open(QIODevice::ReadOnly));
+    QVERIFY(driver.window.service.requests().last().body.contains(photo.readAll()));
+}
+
+void tst_UploadMediaController::successLeadsToTheAlerts()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QSignalSpy complete(driver.window.root(), &RootViewController::UploadComplete);
+    QVERIFY(driver.toHeldUpload());
+    driver.window.service.release();
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    QVERIFY(!driver.window.find("createAuctionButton"));
+    QCOMPARE(complete.count(), 0);
+    QVERIFY(driver.window.click("buttonOk"));
+    QCOMPARE(complete.count(), 1);
+    QTRY_VERIFY(driver.window.shown<CNotificationsController>());
+    QTRY_VERIFY(!driver.wizard);
+    QCOMPARE(driver.window.dialogs.boxes().size(), 0);
+}
+
+void tst_UploadMediaController::nextTwiceLeavesOnce()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QSignalSpy complete(driver.window.root(), &RootViewController::UploadComplete);
+    QVERIFY(driver.toHeldUpload());
+    driver.window.service.release();
+    QTRY_VERIFY(driver.window.find("buttonOk"));
+    auto *button = driver.window.find<QPushButton>("buttonOk");
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTest::mouseClick(button, Qt::LeftButton);
+    driver.wizard->showNotificationsOptions();
+    driver.wizard->cancelClicked();
+    QCOMPARE(complete.count(), 1);
+    QTRY_VERIFY(driver.window.shown<CNotificationsController>());
+}
+
+void tst_UploadMediaController::createAuctionTwiceSendsOnce()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toConfirmation());
+    driver.window.service.expect("CreateAuction", "42");
+    auto *button = driver.window.find<QPushButton>("createAuctionButton");
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTest::mouseDClick(button, Qt::LeftButton);
+    QTest::mouseClick(button, Qt::LeftButton);
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    QCOMPARE(driver.uploads(), 1);
+    QVERIFY2(driver.window.service.isDone(), driver.window.service.report());
+    QCOMPARE(driver.window.dialogs.boxes().size(), 0);
+}
+
+void tst_UploadMediaController::theStripIsAnimatedDuringTheUpload()
+{
+    testTimeConstants().progressStep = 5;
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    auto *model = driver.wizard->findChild<CProgressiveModel *>();
+    QSignalSpy steps(model, &CProgressiveModel::occuredTimerEvent);
+    QVERIFY(driver.toHeldUpload());
+    QTRY_VERIFY(steps.count() >= 6);
+    driver.window.service.release();
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    steps.clear();
+    QVERIFY(!steps.wait(50));
+}
+
+void tst_UploadMediaController::failedUploads_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::addColumn<QString>("reason");
+    QTest::newRow("ERROR") << ScriptedService::reply("ERROR: no such category")
+                           << QStringLiteral("ERROR: no such category");
+    QTest::newRow("ERROR within the text")
+        << ScriptedService::reply("42\nsome ERROR") << QStringLiteral("42\nsome ERROR");
+    QTest::newRow("ERROR with percent signs")
+        << ScriptedService::reply("ERROR %1 %2") << QStringLiteral("ERROR %1 %2");
+    QTest::newRow("connection closed without a reply") << QByteArray() << QString();
+}
+
+void tst_UploadMediaController::failedUploads()
+{
+    QFETCH(QByteArray, reply);
+    QFETCH(QString, reason);
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    ScriptedService::Step step;
+    step.operation = "CreateAuction";
+    step.bytes = reply;
+    step.then = reply.isEmpty() ? ScriptedService::Reset : ScriptedService::KeepOpen;
+    driver.window.service.expect(step);
+    QVERIFY(driver.toConfirmation());
+    QVERIFY(driver.window.click("createAuctionButton"));
+    QVERIFY(driver.waitForHome());
+    QCOMPARE(driver.window.dialogs.boxes().size(), 1);
+    const QString prefix = QStringLiteral("Media uploading failed. Reason: ");
+    if (reason.isEmpty()) { // the words are the toolkit's
+        QVERIFY(driver.lastBox().startsWith(prefix));
+        QVERIFY(driver.lastBox().size() > prefix.size());
+    } else {
+        QCOMPARE(driver.lastBox(), prefix + reason);
+    }
+    QCOMPARE(driver.uploads(), 1);
+    QVERIFY2(driver.window.service.isDone(), driver.window.service.report());
+}
+
+void tst_UploadMediaController::a404CountsAsASuccessWithoutText()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    ScriptedService::Step step;
+    step.operation = "CreateAuction";
+    step.bytes = ScriptedService::reply("no ERROR is read here", "text/plain", "404 Not Found");
+    driver.window.service.expect(step);
+    QVERIFY(driver.toConfirmation());
+    QVERIFY(driver.window.click("createAuctionButton"));
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    QCOMPARE(driver.window.dialogs.boxes().size(), 0);
+}
+
+void tst_UploadMediaController::noConnectionFails()
+{
+    testTimeConstants().connectionWait = 20;
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toConfirmation());
+    driver.window.connector.reportState(OnlineConnector::Disconnected);
+    QTest::ignoreMessage(QtWarningMsg,
+                         QRegularExpression(QStringLiteral("^Warning: CGConfBackend::value "
+                                                           "unable to find key")));
+    QVERIFY(driver.window.click("createAuctionButton"));
+    QVERIFY(driver.waitForHome());
+    QCOMPARE(driver.lastBox(),
+             QStringLiteral("Media uploading failed. Reason: Unable to create a connection"
+                            "ERROR:no connection"));
+    QCOMPARE(driver.uploads(), 0);
+}
+
+void tst_UploadMediaController::anUnreadableFileFails()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toConfirmation());
+    QVERIFY(QFile::remove(driver.window.folder.filePath(QStringLiteral("photo.png"))));
+    QVERIFY(driver.window.click("createAuctionButton"));
+    QVERIFY(driver.waitForHome());
+    QCOMPARE(driver.lastBox(),
+             QStringLiteral("Media uploading failed. Reason: Unable to read a posted fileI/O "
+                            "issue"));
+    QCOMPARE(driver.uploads(), 0);
+}
+
+void tst_UploadMediaController::timeoutFailsOnceThoughTwoResultsCome()
+{
+    testTimeConstants().uploadTimeout = 50;
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toHeldUpload());
+    QVERIFY(driver.waitForHome());
+    driver.window.service.release();
+    QCOMPARE(driver.window.dialogs.boxes().size(), 1);
+    QCOMPARE(driver.lastBox(),
+             QStringLiteral("Media uploading failed. Reason: Unable to get a server response"
+                            "ERROR:timeout"));
+}
+
+void tst_UploadMediaController::withoutARequestObjectNothingCanBeUploaded()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toConfirmation());
+    delete driver.wizard->findChild<CHttpTolvex *>();
+    QVERIFY(driver.window.click("createAuctionButton"));
+    QVERIFY(driver.waitForHome());
+    QCOMPARE(driver.window.dialogs.boxes().size(), 1);
+    QCOMPARE(driver.window.dialogs.boxes().at(0).title, QStringLiteral("kavlor media"));
+    QCOMPARE(driver.lastBox(),
+             QStringLiteral("Cannot upload %1.")
+                 .arg(driver.window.folder.filePath(QStringLiteral("photo.png"))));
+}
+
+void tst_UploadMediaController::cancelDuringTheUploadGoesHome()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toHeldUpload("ERROR"));
+    QVERIFY(driver.window.click("cancelNavigationButton"));
+    driver.window.service.release(); // comes when the frame has left, and changes nothing
+    QVERIFY(driver.waitForHome());
+    QCOMPARE(driver.window.dialogs.boxes().size(), 0);
+    QVERIFY(driver.window.shown<KavlorKnownUser>());
+}
+
+void tst_UploadMediaController::backDuringTheUploadReopensThePricesAndLetsItRun()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toHeldUpload());
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QCOMPARE(driver.window.find<QSpinBox>("startPrice")->value(), 10);
+    // The auction is there when the reply comes, and the member has to know.
+    driver.window.service.release();
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    QVERIFY(!driver.window.find("finalizeButton"));
+    QCOMPARE(driver.uploads(), 1);
+    QVERIFY2(driver.window.service.isDone(), driver.window.service.report());
+}
+
+void tst_UploadMediaController::aFailureAfterBackGoesHome()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toHeldUpload("ERROR"));
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(driver.window.find("lineCaption"));
+    driver.window.service.release();
+    QVERIFY(driver.waitForHome());
+    QCOMPARE(driver.lastBox(), QStringLiteral("Media uploading failed. Reason: ERROR"));
+}
+
+void tst_UploadMediaController::aSecondUploadIsNotStartedDuringTheFirst()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toHeldUpload());
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(driver.setPrice("startPrice", QStringLiteral("12")));
+    QVERIFY(driver.window.click("finalizeButton"));
+    QVERIFY(driver.window.click("createAuctionButton"));
+    QCOMPARE(driver.window.dialogs.boxes().size(), 1);
+    QCOMPARE(driver.window.dialogs.boxes().at(0).title, QStringLiteral("kavlor media"));
+    driver.window.service.release();
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    QCOMPARE(driver.uploads(), 1);
+    QVERIFY2(driver.window.service.isDone(), driver.window.service.report());
+}
+
+// A failure that is told over another message ends the wizard under that message.
+void tst_UploadMediaController::aReplyDuringAMessageIsSafe()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toHeldUpload("ERROR"));
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(driver.window.click("backNavigationButton"));
+    const QString broken = driver.makeFile(QStringLiteral("broken.jpg"));
+    driver.window.dialogs.beforeNextAnswer([&driver] {
+        driver.window.service.release();
+        QVERIFY(QTest::qWaitFor([&driver] { return !driver.wizard; }));
+    });
+    emit driver.wizard->pictureIsChosen(broken);
+    QVERIFY(driver.waitForHome());
+    QCOMPARE(driver.window.dialogs.boxes().size(), 1);
+    QCOMPARE(driver.lastBox(), QStringLiteral("Media uploading failed. Reason: ERROR"));
+}
+
+void tst_UploadMediaController::aFailureDuringTheFileDialogIsSafe()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toHeldUpload("ERROR"));
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(driver.window.click("backNavigationButton"));
+    driver.window.dialogs.beforeNextAnswer([&driver] {
+        driver.window.service.release();
+        QVERIFY(QTest::qWaitFor([&driver] { return !driver.wizard; }));
+    });
+    driver.choose(driver.makePhoto(QStringLiteral("b.png"), 40, 30));
+    QVERIFY(driver.waitForHome());
+    QCOMPARE(driver.window.dialogs.boxes().size(), 1);
+}
+
+void tst_UploadMediaController::aReplyWithoutAnUploadOnlySetsTheStrip()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toCategories());
+    QCOMPARE(driver.litCell(), 1);
+    emit driver.wizard->findChild<CHttpTolvex *>()->requestIsFinished(QString(), QString());
+    QTRY_COMPARE(driver.litCell(), noCell);
+    emit driver.wizard->findChild<CHttpTolvex *>()->requestIsFinished(QStringLiteral("ERROR"),
+                                                                      QString());
+    QVERIFY(driver.window.find("categoriesTable"));
+    QCOMPARE(driver.window.dialogs.boxes().size(), 0);
+}
+
+void tst_UploadMediaController::theEndOfTheProgramDuringTheUploadIsSafe()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toHeldUpload());
+    driver.window.end();
+    driver.window.service.release();
+    QCOMPARE(driver.window.dialogs.boxes().size(), 0);
+}
+
+KAVLOR_TEST_MAIN(tst_UploadMediaController)
+#include "tst_uploadmediacontroller.moc"
