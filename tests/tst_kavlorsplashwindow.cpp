@@ -28,6 +28,7 @@ private slots:
     void termsAreStoredWithoutLookingForError();
     void transportErrorEndsTheProgram_data();
     void transportErrorEndsTheProgram();
+    void afterTheFirstErrorEveryReplyIsIgnored();
     void offlineTheStartEndsWithOneBoxAndNoRequest();
     void aWindowClosedWhileWaitingForAConnectionIsToldNothing();
     void versionAndStripAreShown();
@@ -240,6 +241,26 @@ void tst_KavlorSplashWindow::transportErrorEndsTheProgram()
     QVERIFY2(text.startsWith(opening), qPrintable(text));
     QVERIFY(text.size() > opening.size());
     QCOMPARE(window.service.operations(), operations.mid(0, which + 1));
+    QVERIFY2(window.service.isDone(), window.service.report());
+}
+
+void tst_KavlorSplashWindow::afterTheFirstErrorEveryReplyIsIgnored()
+{
+    RootWindow window;
+    testTimeConstants().exitDelay = 60000;
+    ScriptedService::Step cut;
+    cut.operation = "GetServiceTerms";
+    cut.then = ScriptedService::Close;
+    window.service.expect(cut);
+    window.start();
+    auto *splash = window.root()->findChild<CKavlorSplashWindow *>();
+    QSignalSpy fails(splash, &CKavlorSplashWindow::initFails);
+    QTRY_COMPARE(fails.count(), 1);
+    splash->requestDone(QString(), QStringLiteral("a second error"));
+    splash->requestDone(QStringLiteral("late terms"), QString());
+    QCOMPARE(window.dialogs.boxes().size(), 1);
+    QCOMPARE(fails.count(), 1);
+    QCOMPARE(window.root()->termsText(), QString());
     QVERIFY2(window.service.isDone(), window.service.report());
 }
 
