@@ -8,6 +8,7 @@
 #include "ui_kavlorauctioncategorize.h"
 
 #include <QScroller>
+#include <QShortcut>
 
 namespace {
 
@@ -66,6 +67,20 @@ void CKavlorAuctionCategorize::setUpTable()
     // By name, since the table's slot is protected.
     connect(m_model, SIGNAL(rowCountChanged(int, int)), m_ui->categoriesTable,
             SLOT(rowCountChanged(int, int)));
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto *shortcut = new QShortcut(key, m_ui->categoriesTable);
+        shortcut->setContext(Qt::WidgetShortcut);
+        connect(shortcut, &QShortcut::activated, this, &CKavlorAuctionCategorize::pickCurrent);
+    }
+}
+
+void CKavlorAuctionCategorize::pickCurrent()
+{
+    QTableView *table = m_ui->categoriesTable;
+    categoryTableClicked(table->currentIndex());
+    // Another level starts without a current cell.
+    if (!table->currentIndex().isValid())
+        table->setCurrentIndex(m_model->index(0, CKavlorCategoryModel::CategoryColumn));
 }
 
 void CKavlorAuctionCategorize::renewCategories(int aCategory)

@@ -43,6 +43,7 @@ public slots:
 
 private:
     void setUpTable();
+    void pickCurrent();
     void choose(int category);
     void goUpFrom(int category);
 

@@ -17,6 +17,11 @@ void PaintedCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &o
     const QStyle *style = option.widget ? option.widget->style() : QApplication::style();
     style->drawPrimitive(QStyle::PE_PanelItemViewItem, &option, painter, option.widget);
     painter->drawPixmap(option.rect.topLeft(), index.data(Qt::DecorationRole).value<QPixmap>());
+    if (option.state.testFlag(QStyle::State_HasFocus)
+        && option.state.testFlag(QStyle::State_KeyboardFocusChange)) {
+        painter->setPen(QPen(option.palette.color(QPalette::Text), 1, Qt::DotLine));
+        painter->drawRect(option.rect.adjusted(0, 0, -1, -2));
+    }
 }
 
 QSize PaintedCellDelegate::sizeHint(const QStyleOptionViewItem &option,

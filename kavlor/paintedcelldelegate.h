@@ -6,7 +6,8 @@
 
 /**
  * Shows the cells of a table whose model paints each as one pixmap, its decoration, as they are,
- * at the top left and over the row's selection.
+ * at the top left and over the row's selection. The current cell is framed for whoever works by
+ * keys.
  *
  * The sizes are fixed by column, so that laying out a table asks its model for nothing: only a
  * cell that comes into sight is painted.

@@ -99,12 +99,7 @@ CUploadMediaController::CUploadMediaController(CKavlorUser *user, QWidget *paren
     connectRequest();
 }
 
-CUploadMediaController::~CUploadMediaController()
-{
-    // A field that loses the focus with the frame may still move its cursor.
-    m_ui->lineCaption->disconnect(this);
-    m_ui->textDescription->disconnect(this);
-}
+CUploadMediaController::~CUploadMediaController() = default;
 
 void CUploadMediaController::connectForm()
 {

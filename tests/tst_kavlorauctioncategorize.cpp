@@ -134,6 +134,7 @@ private slots:
     void layoutCostsTheSameForALongList();
     void theRootsNewCategoriesStartThePageAgain();
     void keysReachTheControlsInReadingOrder();
+    void keysAloneWillDo();
 };
 
 void tst_KavlorAuctionCategorize::init()
@@ -468,6 +469,39 @@ void tst_KavlorAuctionCategorize::keysReachTheControlsInReadingOrder()
     QTest::keyClick(unselect, Qt::Key_Space);
     QCOMPARE(driver.path(), QStringLiteral("None"));
     QVERIFY(!driver.table()->accessibleName().isEmpty());
+}
+
+void tst_KavlorAuctionCategorize::keysAloneWillDo()
+{
+    Page page(nullptr, 0, false);
+    const PageDriver driver(&page);
+    QVERIFY(QTest::qWaitForWindowActive(&page));
+    QSignalSpy chosen(&page, &Page::categoryChosen);
+    QTableView *table = driver.table();
+    auto *unselect = page.findChild<QPushButton *>(QStringLiteral("unselect"));
+    unselect->setFocus();
+    QTest::keyClick(unselect, Qt::Key_Backtab);
+    QCOMPARE(page.focusWidget(), table);
+    QTest::keyClick(table, Qt::Key_Right);
+    const QRect cell = table->visualRect(table->currentIndex());
+    QVERIFY(cell.width() == 400);
+    // The current cell is framed.
+    const QImage framed = table->viewport()->grab(cell).toImage();
+    table->clearFocus();
+    QVERIFY(table->viewport()->grab(cell).toImage() != framed);
+    table->setFocus();
+
+    QTest::keyClick(table, Qt::Key_Return);
+    QCOMPARE(driver.path(), QStringLiteral("Sports"));
+    QTest::keyClick(table, Qt::Key_Left);
+    QTest::keyClick(table, Qt::Key_Return); // up again
+    QCOMPARE(driver.shown(), (QList<int>{1, 2}));
+    QTest::keyClick(table, Qt::Key_Return);
+    QTest::keyClick(table, Qt::Key_Down);
+    QTest::keyClick(table, Qt::Key_Enter);
+    QCOMPARE(driver.path(), QStringLiteral("Sports>Tennis"));
+    QTRY_COMPARE(chosen.count(), 1);
+    QCOMPARE(chosen.at(0).at(0).toInt(), 11);
 }
 
 KAVLOR_TEST_MAIN(tst_KavlorAuctionCategorize)
