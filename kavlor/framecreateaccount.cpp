@@ -1,5 +1,6 @@
 #include "framecreateaccount.h"
 
+#include "contentcolumn.h"
 #include "httptolvex.h"
 #include "kavloruser.h"
 #include "rootviewcontroller.h"
@@ -43,6 +44,7 @@ FrameCreateAccount::FrameCreateAccount(QSettings *settings, CKavlorUser *user, Q
     , m_settings(settings)
 {
     m_ui->setupUi(this);
+    new ContentColumn(this, QSize(1040, 560));
     m_ui->termsEdit->setFont(QFont(QStringLiteral("LargeSystemFont"), termsPointSize));
     m_ui->errorLabelText->clear();
 

@@ -1,5 +1,6 @@
 #include "framewelcomekavlor.h"
 
+#include "contentcolumn.h"
 #include "framecreateaccount.h"
 #include "kavlorlogin.h"
 #include "rootviewcontroller.h"
@@ -11,6 +12,7 @@ FrameWelcomeKavlor::FrameWelcomeKavlor(QSettings *settings, QWidget *parent)
     , m_settings(settings)
 {
     m_ui->setupUi(this);
+    new ContentColumn(this, QSize(960, 480));
     connect(m_ui->createAccountButton, &QPushButton::clicked, this,
             &FrameWelcomeKavlor::showCreateAccountFrame);
     connect(m_ui->loginButton, &QPushButton::clicked, this, &FrameWelcomeKavlor::showLoginFrame);

@@ -1,5 +1,6 @@
 #include "kavlorknownuser.h"
 
+#include "contentcolumn.h"
 #include "rootviewcontroller.h"
 #include "ui_kavlorknownuser.h"
 
@@ -10,6 +11,7 @@ KavlorKnownUser::KavlorKnownUser(const QString &userName, const QString &passwor
     , m_ui(std::make_unique<Ui::KavlorKnownUser>())
 {
     m_ui->setupUi(this);
+    new ContentColumn(this, QSize(1120, 640));
     m_ui->labelWelcome->setText(m_userName);
     connect(m_ui->buttonMyKavlor, &QPushButton::clicked, this, &KavlorKnownUser::myKavlorClick);
     connect(m_ui->buttonSettings, &QPushButton::clicked, this, &KavlorKnownUser::settingsClick);

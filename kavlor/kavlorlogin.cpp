@@ -1,5 +1,6 @@
 #include "kavlorlogin.h"
 
+#include "contentcolumn.h"
 #include "httptolvex.h"
 #include "rootviewcontroller.h"
 #include "servicehost.h"
@@ -24,6 +25,7 @@ KavlorLogin::KavlorLogin(QSettings *settings, QWidget *parent)
     , m_settings(settings)
 {
     m_ui->setupUi(this);
+    new ContentColumn(this, QSize(960, 480));
     m_ui->labelError->clear();
     m_ui->loginButton->setEnabled(false);
     m_ui->forgotPassword->setText(tr("I forgot <a href=\"%1\">password</a>").arg(passwordPage()));

@@ -1,5 +1,6 @@
 #include "kavlorsettings.h"
 
+#include "contentcolumn.h"
 #include "httptolvex.h"
 #include "kavloruser.h"
 #include "modifyaccountcontroller.h"
@@ -16,6 +17,7 @@ CKavlorSettings::CKavlorSettings(CKavlorUser *user, CKavlorNotificationOptions *
     , m_user(user)
 {
     m_ui->setupUi(this);
+    new ContentColumn(this, QSize(1040, 480));
     connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
             &CKavlorSettings::dataRequestDone);
     connect(m_ui->pushButtonNotifications, &QPushButton::clicked, this,

@@ -1,5 +1,6 @@
 #include "modifyaccountcontroller.h"
 
+#include "contentcolumn.h"
 #include "httptolvex.h"
 #include "rootviewcontroller.h"
 #include "ui_modifyaccountcontroller.h"
@@ -43,6 +44,7 @@ CModifyAccountController::CModifyAccountController(CKavlorUser *user, QWidget *p
 {
     m_edited->setParent(this);
     m_ui->setupUi(this);
+    new ContentColumn(this, QSize(1040, 520));
     m_ui->errorLabelText->clear();
     m_ui->lineEmail->setText(m_edited->field(CKavlorUser::EmailAddress));
     m_ui->linePassword->setText(m_edited->field(CKavlorUser::Password));

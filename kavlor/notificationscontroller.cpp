@@ -1,5 +1,6 @@
 #include "notificationscontroller.h"
 
+#include "contentcolumn.h"
 #include "httptolvex.h"
 #include "kavlornotificationoptions.h"
 #include "kavloruser.h"
@@ -18,6 +19,7 @@ CNotificationsController::CNotificationsController(CKavlorUser *user,
     , m_user(user)
 {
     m_ui->setupUi(this);
+    new ContentColumn(this, QSize(960, 480));
     for (QCheckBox *box : {m_ui->checkBoxOnBid, m_ui->checkBoxOnAuctionEnd, m_ui->checkBoxOnView,
                            m_ui->checkBoxBuyerQuestion}) {
         connect(box, &QCheckBox::clicked, this, &CNotificationsController::notificationChanged);

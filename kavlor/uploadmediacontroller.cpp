@@ -1,5 +1,6 @@
 #include "uploadmediacontroller.h"
 
+#include "contentcolumn.h"
 #include "httptolvex.h"
 #include "kavlorauctioncategorize.h"
 #include "kavlorauctionconfirm.h"
@@ -91,6 +92,7 @@ CUploadMediaController::CUploadMediaController(CKavlorUser *user, QWidget *paren
     , m_ui(std::make_unique<Ui::CUploadMediaController>())
 {
     m_ui->setupUi(this);
+    new ContentColumn(this, QSize(1280, 720));
     m_chooserText = m_ui->photoClicker->text();
     m_ui->descriptionFrame->setEnabled(false);
     m_ui->progressUpload->setProgress(m_progress);
