@@ -100,13 +100,8 @@ void tst_Startup::theLoginIsRememberedAcrossStarts()
     QVERIFY(m_system.startService({QStringLiteral("--seed")}));
     ClientDriver &client = *m_system.client;
     QVERIFY2(client.start(), qPrintable(client.error()));
-    QVERIFY2(client.click(QStringLiteral("loginButton")), qPrintable(client.error()));
-    QVERIFY2(client.type(QStringLiteral("lineUsername"), QStringLiteral("demo")),
+    QVERIFY2(m_system.logIn(QStringLiteral("demo"), QStringLiteral("demo")),
              qPrintable(client.error()));
-    QVERIFY2(client.type(QStringLiteral("linePassword"), QStringLiteral("demo")),
-             qPrintable(client.error()));
-    QVERIFY2(client.click(QStringLiteral("loginButton")), qPrintable(client.error()));
-    QVERIFY2(client.waitFor(QStringLiteral("buttonUpload")), qPrintable(client.error()));
     QVERIFY(client.close());
 
     const QFileInfo file(settingsFile());

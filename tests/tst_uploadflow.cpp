@@ -3,7 +3,6 @@
 #include "wholesystem.h"
 
 #include <QDir>
-#include <QPainter>
 
 /**
  * A member's whole way to an auction: the real client, worked by clicks and keys, against the real
@@ -19,8 +18,6 @@ private slots:
     void aPhotoGoesFromDiskOntoAuction();
 
 private:
-    QString makePhoto();
-
     WholeSystem m_system;
 };
 
@@ -39,33 +36,15 @@ void tst_UploadFlow::initTestCase()
     QVERIFY(m_system.startService({QStringLiteral("--seed")}));
 }
 
-// A real JPEG in the member's picture folder.
-QString tst_UploadFlow::makePhoto()
-{
-    QImage image(1024, 768, QImage::Format_RGB32);
-    image.fill(QColor(120, 180, 220));
-    QPainter painter(&image);
-    painter.setBrush(QColor(240, 170, 40));
-    painter.drawEllipse(QPoint(512, 384), 250, 200);
-    painter.end();
-    const QString folder = m_system.client->home() + QStringLiteral("/Pictures");
-    QDir().mkpath(folder);
-    const QString path = folder + QStringLiteral("/sunset.jpg");
-    return image.save(path, "JPEG") ? path : QString();
-}
-
 void tst_UploadFlow::aPhotoGoesFromDiskOntoAuction()
 {
     ClientDriver &client = *m_system.client;
-    const QString photo = makePhoto();
+    const QString photo = m_system.makePhoto(QColor(120, 180, 220));
     QVERIFY(!photo.isEmpty());
     const QString demo = QStringLiteral("demo");
 #define DO(step) QVERIFY2(client.step, qPrintable(client.error()))
     DO(start());
-    DO(click(name("loginButton")));
-    DO(type(name("lineUsername"), demo));
-    DO(type(name("linePassword"), demo));
-    DO(click(name("loginButton")));
+    QVERIFY2(m_system.logIn(demo, demo), qPrintable(client.error()));
 
     DO(click(name("buttonUpload")));
     DO(click(name("photoClicker")));

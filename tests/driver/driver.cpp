@@ -14,6 +14,8 @@
 #include <QScreen>
 #include <QSet>
 #include <QSpinBox>
+#include <QTabBar>
+#include <QTabWidget>
 #include <QTableView>
 #include <QTest>
 #include <QTextEdit>
@@ -131,6 +133,12 @@ QJsonObject cellCommand(Driver *driver, QTableView *table, const QJsonObject &co
         : QModelIndex();
     if (!cell.isValid())
         return failed(QStringLiteral("no such cell"));
+    if (command.value(QLatin1String("do")) == QLatin1String("painted")) {
+        const auto painted = table->model()->data(cell, Qt::DecorationRole).value<QPixmap>();
+        return painted.save(command.value(QLatin1String("text")).toString())
+            ? done()
+            : failed(QStringLiteral("nothing painted"));
+    }
     if (command.value(QLatin1String("do")) == QLatin1String("photo"))
         return showsPhoto(table, cell) ? done() : failed(QStringLiteral("no photo in the cell"));
     table->scrollTo(cell);
@@ -206,29 +214,43 @@ QJsonObject Driver::run(const QJsonObject &command)
         return table && table->model() ? done(table->model()->rowCount())
                                        : failed(QStringLiteral("no rows: ") + name);
     }
-    if (action == QLatin1String("cell") || action == QLatin1String("photo")) {
+    if (action == QLatin1String("cell") || action == QLatin1String("photo")
+        || action == QLatin1String("painted")) {
         auto *table = qobject_cast<QTableView *>(widget);
         return table ? cellCommand(this, table, command) : failed(QStringLiteral("no table"));
     }
-    if (action == QLatin1String("click")) {
+    if (action == QLatin1String("tab")) {
+        auto *tabs = qobject_cast<QTabWidget *>(widget);
+        const int tab = command.value(QLatin1String("row")).toInt();
+        if (!tabs || tab >= tabs->count())
+            return failed(QStringLiteral("no such tab: ") + name);
+        return soon(this, [bar = QPointer<QTabBar>(tabs->tabBar()), tab] {
+            if (bar)
+                clickAt(bar, bar->tabRect(tab).center());
+        });
+    }
+    if (action == QLatin1String("click") || action == QLatin1String("clickTwice")) {
         const QPoint middle = widget->rect().center();
         if (!isReachable(widget, middle))
             return failed(QStringLiteral("covered: ") + name);
-        return soon(this, [widget = QPointer<QWidget>(widget), middle] {
-            if (widget)
-                clickAt(widget, middle);
-        });
+        const int clicks = action == QLatin1String("click") ? 1 : 2;
+        return soon(this,
+                    [window = QPointer<QWidget>(widget->window()),
+                     at = widget->mapTo(widget->window(), middle), clicks] {
+                        // Where the button was, whatever is there by the second time.
+                        for (int click = 0; click < clicks && window; ++click)
+                            QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, at);
+                    });
     }
     if (action == QLatin1String("type")) {
-        return soon(this, [widget = QPointer<QWidget>(widget), text] {
-            if (!widget)
-                return;
-            clickAt(widget, widget->rect().center());
-            QTest::keyClick(widget->window()->windowHandle(), Qt::Key_A, Qt::ControlModifier);
-            for (const QChar letter : text)
-                QTest::sendKeyEvent(QTest::Click, widget->window()->windowHandle(), Qt::Key_unknown,
-                                    QString(letter), Qt::NoModifier);
-        });
+        // At once, not soon: keys let events in between, and the next command has to wait for all.
+        QWindow *window = widget->window()->windowHandle();
+        clickAt(widget, widget->rect().center());
+        QTest::keyClick(window, Qt::Key_A, Qt::ControlModifier);
+        for (const QChar letter : text)
+            QTest::sendKeyEvent(QTest::Click, window, Qt::Key_unknown, QString(letter),
+                                Qt::NoModifier);
+        return done();
     }
     if (action == QLatin1String("key")) {
         return soon(this,

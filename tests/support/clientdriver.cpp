@@ -153,6 +153,18 @@ bool ClientDriver::click(const QString &name)
     return until(command("click", name));
 }
 
+bool ClientDriver::clickTwice(const QString &name)
+{
+    return until(command("clickTwice", name));
+}
+
+bool ClientDriver::clickTab(const QString &tabs, int tab)
+{
+    QJsonObject question = command("tab", tabs);
+    question.insert(QStringLiteral("row"), tab);
+    return until(question);
+}
+
 bool ClientDriver::type(const QString &name, const QString &text)
 {
     return until(command("type", name, text));
@@ -181,6 +193,14 @@ bool ClientDriver::clickCell(const QString &table, int row, int column)
 bool ClientDriver::waitForPhoto(const QString &table, int row, int column)
 {
     return until(cellCommand("photo", table, row, column));
+}
+
+QImage ClientDriver::paintedCell(const QString &table, int row, int column)
+{
+    const QString file = m_ownHome.filePath(QStringLiteral("cell.png"));
+    QJsonObject question = cellCommand("painted", table, row, column);
+    question.insert(QStringLiteral("text"), file);
+    return until(question) ? QImage(file) : QImage();
 }
 
 QString ClientDriver::text(const QString &name)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QJsonObject>
 #include <QLocalServer>
 #include <QObject>
@@ -41,12 +42,17 @@ public:
     bool waitFor(const QString &name);
     bool isThere(const QString &name);
     bool click(const QString &name);
+    /** Two clicks as fast as they come. */
+    bool clickTwice(const QString &name);
+    bool clickTab(const QString &tabs, int tab);
     /** Clicks into @p name and replaces its text. */
     bool type(const QString &name, const QString &text);
     bool key(const QString &name, Qt::Key key);
     bool clickCell(const QString &table, int row, int column);
     /** Waits until a cell shows a photo. */
     bool waitForPhoto(const QString &table, int row, int column);
+    /** The picture that a painted cell consists of; null when there is none. */
+    QImage paintedCell(const QString &table, int row, int column);
     /** The text shown by @p name; null when it is not there. */
     QString text(const QString &name);
     bool waitForText(const QString &name, const QString &part);

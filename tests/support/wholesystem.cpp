@@ -2,6 +2,8 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDir>
+#include <QPainter>
 #include <QTest>
 
 WholeSystem::WholeSystem() = default;
@@ -35,6 +37,47 @@ bool WholeSystem::startService(const QStringList &options)
 {
     return service.start(QStringList{QStringLiteral("--port"), QString::number(servicePort())}
                          + options);
+}
+
+QString WholeSystem::makePhoto(const QColor &ground) const
+{
+    QImage image(1024, 768, QImage::Format_RGB32);
+    image.fill(ground);
+    QPainter painter(&image);
+    painter.setBrush(QColor(240, 170, 40));
+    painter.drawEllipse(QPoint(512, 384), 100, 80);
+    painter.end();
+    const QString folder = client->home() + QStringLiteral("/Pictures");
+    QDir().mkpath(folder);
+    const QString path = folder + QStringLiteral("/sunset.jpg");
+    return image.save(path, "JPEG") ? path : QString();
+}
+
+bool WholeSystem::logIn(const QString &userName, const QString &password)
+{
+    return client->click(QStringLiteral("loginButton"))
+        && client->type(QStringLiteral("lineUsername"), userName)
+        && client->type(QStringLiteral("linePassword"), password)
+        && client->click(QStringLiteral("loginButton"))
+        && client->waitFor(QStringLiteral("buttonUpload"));
+}
+
+bool WholeSystem::prepareUpload(const QString &photo, const QString &caption)
+{
+    const QString categories = QStringLiteral("categoriesTable");
+    return client->click(QStringLiteral("buttonUpload"))
+        && client->click(QStringLiteral("photoClicker")) && client->chooseFile(photo)
+        && client->type(QStringLiteral("lineCaption"), caption)
+        && client->click(QStringLiteral("doneButton"))
+        && client->clickCell(categories, 5, 1) // Places
+        && client->waitForText(QStringLiteral("categorySelected"), QStringLiteral("Places"))
+        && client->clickCell(categories, 2, 1) // Monuments
+        && client->type(QStringLiteral("startPrice"), QStringLiteral("12"))
+        && client->type(QStringLiteral("reservePrice"), QStringLiteral("40"))
+        && client->type(QStringLiteral("buyItNowPrice"), QStringLiteral("95"))
+        && client->click(QStringLiteral("finalizeButton"))
+        && client->waitForText(QStringLiteral("auctionOverallInfo"),
+                               QStringLiteral("Places>Monuments"));
 }
 
 quint16 WholeSystem::servicePort()

@@ -4,6 +4,7 @@
 #include "localserviceprocess.h"
 #include "privatebus.h"
 
+#include <QColor>
 #include <QProcess>
 #include <memory>
 
@@ -24,6 +25,13 @@ public:
     bool startConnectivity();
     /** Starts the service where the client looks for it, with @p options such as "--seed". */
     bool startService(const QStringList &options = {});
+
+    /** A real JPEG in the member's picture folder, plain but for a disc; empty = not saved. */
+    QString makePhoto(const QColor &ground) const;
+    /** From the welcome frame to the home frame. */
+    bool logIn(const QString &userName, const QString &password);
+    /** From the home frame to the wizard's confirmation page, in the category Monuments. */
+    bool prepareUpload(const QString &photo, const QString &caption);
 
     /** The port that the client was built for. */
     static quint16 servicePort();
