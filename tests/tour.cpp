@@ -116,7 +116,20 @@ bool Tour::welcomeAndAccount()
     DO(client().click(name("submitButton")));
     DO(client().waitForText(name("errorLabelText"), text("must be defined")));
     DO(show("create-account-error"));
-    DO(client().click(name("cancelNavigationButton")));
+    DO(client().type(name("lineUsername"), text("zoe")));
+    DO(client().type(name("linePassword"), text("secret")));
+    DO(client().type(name("lineEmailaddress"), text("zoe@example.org")));
+    DO(client().type(name("lineAgain"), text("zoe@example.org")));
+    DO(client().clickTab(name("tabWidget"), 1));
+    DO(client().click(name("checkTerms")));
+    DO(show("create-account-terms"));
+    DO(client().click(name("submitButton")));
+    DO(client().click(name("buttonMyKavlor")));
+    DO(client().waitForText(name("labelPleaseWait"), text("There is no data to display.")));
+    DO(show("my-auctions-none"));
+    DO(client().click(name("backNavigationButton")));
+    DO(client().waitFor(name("buttonUpload")));
+    DO(client().click(name("cancelNavigationButton"))); // signs out
     DO(client().waitFor(name("createAccountButton")));
     return true;
 }
@@ -181,7 +194,6 @@ bool Tour::myAuctions()
 {
     DO(client().click(name("buttonMyKavlor")));
     DO(client().waitFor(name("myAuctionsTable")));
-    DO(show("my-auctions-waiting"));
     for (int row = 0; row < 4; ++row)
         DO(client().waitForPhoto(name("myAuctionsTable"), row, 0));
     DO(show("my-auctions"));
@@ -213,6 +225,7 @@ bool Tour::settings()
     DO(client().click(name("backNavigationButton")));
     DO(client().click(name("pushButtonNotifications")));
     DO(client().waitFor(name("checkBoxOnBid")));
+    DO(show("alerts-from-the-menu"));
     DO(client().click(name("backNavigationButton")));
     DO(client().waitFor(name("pushButtonMyAccount")));
     DO(client().click(name("backNavigationButton")));
