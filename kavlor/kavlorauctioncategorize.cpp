@@ -3,6 +3,7 @@
 #include "kavlorcategorymodel.h"
 #include "kavlorcategorystore.h"
 #include "paintedcelldelegate.h"
+#include "paintedtableaccess.h"
 #include "rootviewcontroller.h"
 #include "timeconstants.h"
 #include "ui_kavlorauctioncategorize.h"
@@ -60,7 +61,9 @@ void CKavlorAuctionCategorize::setUpTable()
     QList<QSize> sizes;
     for (int column = 0; column < CKavlorCategoryModel::columns; ++column)
         sizes.append(CKavlorCategoryModel::cellSize(column));
-    m_ui->categoriesTable->setItemDelegate(new PaintedCellDelegate(sizes, this));
+    auto *delegate = new PaintedCellDelegate(sizes, this);
+    delegate->setCellText([this](const QModelIndex &index) { return m_model->cellText(index); });
+    showPaintedCells(m_ui->categoriesTable, delegate);
     m_ui->categoriesTable->viewport()->setAutoFillBackground(false);
     // The finger alone scrolls by dragging; a mouse has the wheel and the bar.
     QScroller::grabGesture(m_ui->categoriesTable->viewport(), QScroller::TouchGesture);

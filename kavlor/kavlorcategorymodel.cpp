@@ -198,6 +198,25 @@ int CKavlorCategoryModel::identifierAt(int row) const
     return m_shown.value(row, -1);
 }
 
+QString CKavlorCategoryModel::cellText(const QModelIndex &index) const
+{
+    if (!index.isValid())
+        return {};
+    const int category = identifierAt(index.row());
+    const QString name = CKavlorCategoryStore::instanceOrEmpty().name(category);
+    const QString children = childrenLine(category);
+    switch (index.column()) {
+    case BackColumn:
+        return m_hasParent ? tr("One level up") : QString();
+    case CategoryColumn: {
+        const QString text = children.isEmpty() ? name : tr("%1: %2").arg(name, children);
+        return category == m_chosen ? tr("%1, chosen").arg(text) : text;
+    }
+    default:
+        return children.isEmpty() ? QString() : tr("What is in %1").arg(name);
+    }
+}
+
 int CKavlorCategoryModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : static_cast<int>(m_shown.size());

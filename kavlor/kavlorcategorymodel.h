@@ -35,6 +35,9 @@ public:
     /** The category in @p row, or -1 when there is no such row. */
     int identifierAt(int row) const;
 
+    /** What the cell shows, in words; empty for an arrow that is not there. */
+    QString cellText(const QModelIndex &index) const;
+
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;

@@ -5,6 +5,7 @@
 #include "kavlormyauctionsmodel.h"
 #include "kavloruser.h"
 #include "paintedcelldelegate.h"
+#include "paintedtableaccess.h"
 #include "rootviewcontroller.h"
 #include "slimscrollbar.h"
 #include "ui_kavlormyauctionscontroller.h"
@@ -46,7 +47,9 @@ void CKavlorMyAuctionsController::prepareTable()
     QTableView *table = m_ui->myAuctionsTable;
     const QList<QSize> sizes{CKavlorMyAuctionsModel::cellSize(CKavlorMyAuctionsModel::Thumbnail),
                              CKavlorMyAuctionsModel::cellSize(CKavlorMyAuctionsModel::Info)};
-    table->setItemDelegate(new PaintedCellDelegate(sizes, table));
+    auto *delegate = new PaintedCellDelegate(sizes, table);
+    delegate->setCellText([this](const QModelIndex &index) { return m_model->cellText(index); });
+    showPaintedCells(table, delegate);
     table->hide();
 
     new SlimScrollBar(table);

@@ -117,6 +117,21 @@ CAuctionRow CKavlorMyAuctionsModel::auction(uint auctionId) const
     return m_auctions.value(auctionId);
 }
 
+QString CKavlorMyAuctionsModel::cellText(const QModelIndex &index) const
+{
+    if (!index.isValid())
+        return {};
+    const CAuctionRow row = auction(auctionId(index.row()));
+    if (index.column() == Thumbnail)
+        return tr("Picture of %1").arg(row.title);
+    const QString reserve =
+        row.item10 == row.reservePrice ? tr(" The reserve price is met.") : QString();
+    const QString state = row.finished ? tr("The auction is over.") : tr("On sale.");
+    return tr("%1. %2 views, %3 bids. %4")
+               .arg(row.title, QString::number(row.views), QString::number(row.bids), state)
+        + reserve;
+}
+
 int CKavlorMyAuctionsModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : static_cast<int>(m_ids.size());

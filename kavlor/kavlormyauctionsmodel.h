@@ -40,6 +40,9 @@ public:
     uint auctionId(int row) const;
     CAuctionRow auction(uint auctionId) const;
 
+    /** What the cell shows, in words. */
+    QString cellText(const QModelIndex &index) const;
+
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;

@@ -10,6 +10,16 @@ PaintedCellDelegate::PaintedCellDelegate(const QList<QSize> &columnSizes, QObjec
 {
 }
 
+void PaintedCellDelegate::setCellText(const CellText &cellText)
+{
+    m_cellText = cellText;
+}
+
+QString PaintedCellDelegate::cellText(const QModelIndex &index) const
+{
+    return m_cellText ? m_cellText(index) : QString();
+}
+
 void PaintedCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                                 const QModelIndex &index) const
 {

@@ -4,6 +4,8 @@
 #include <QSize>
 #include <QStyledItemDelegate>
 
+#include <functional>
+
 /**
  * Shows the cells of a table whose model paints each as one pixmap, its decoration, as they are,
  * at the top left and over the row's selection. The current cell is framed for whoever works by
@@ -17,8 +19,15 @@ class PaintedCellDelegate : public QStyledItemDelegate
     Q_OBJECT
 
 public:
+    /** Puts into words what a cell shows; an empty text for one that shows nothing. */
+    using CellText = std::function<QString(const QModelIndex &index)>;
+
     /** @p columnSizes holds the size of a cell for each column. */
     PaintedCellDelegate(const QList<QSize> &columnSizes, QObject *parent);
+
+    /** What a screen reader says of the cells. */
+    void setCellText(const CellText &cellText);
+    QString cellText(const QModelIndex &index) const;
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
@@ -26,4 +35,5 @@ public:
 
 private:
     const QList<QSize> m_columnSizes;
+    CellText m_cellText;
 };
