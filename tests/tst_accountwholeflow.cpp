@@ -2,6 +2,7 @@
 #include "testmain.h"
 #include "wholesystem.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QSettings>
 
@@ -22,6 +23,8 @@ private:
     bool createAccount();
     bool changeAccount();
     QVariant stored(const char *column) const;
+    /** Which alerts the service sends: on a bid, an end, a view, a question. */
+    QList<bool> alerts() const;
     bool databaseHolds(const QByteArray &bytes) const;
 
     WholeSystem m_system;
@@ -51,6 +54,12 @@ QVariant tst_AccountWholeFlow::stored(const char *column) const
     return m_system.service.value(
         QStringLiteral("SELECT %1 FROM members WHERE username = ?").arg(QLatin1String(column)),
         {member});
+}
+
+QList<bool> tst_AccountWholeFlow::alerts() const
+{
+    return {stored("notify_bid").toBool(), stored("notify_end").toBool(),
+            stored("notify_view").toBool(), stored("notify_question").toBool()};
 }
 
 bool tst_AccountWholeFlow::databaseHolds(const QByteArray &bytes) const
@@ -96,12 +105,13 @@ void tst_AccountWholeFlow::anAccountIsMadeUsedAndChanged()
     DO(m_system.prepareUpload(m_system.makePhoto(Qt::darkCyan), QStringLiteral("A first photo")));
     DO(client.click(name("createAuctionButton")));
     DO(client.click(name("buttonOk")));
-    // The new member's alerts are as the service set them; the one for views is turned about.
-    const bool viewsBefore = stored("notify_view").toBool();
+    // The new member's alerts are as the service set them; two of them are turned about.
+    QCOMPARE(alerts(), (QList<bool>{true, true, false, true}));
+    DO(client.click(name("checkBoxOnBid")));
     DO(client.click(name("checkBoxOnView")));
     DO(client.click(name("pushButtonDone")));
     DO(client.waitFor(name("buttonSettings")));
-    QCOMPARE(stored("notify_view").toBool(), !viewsBefore);
+    QCOMPARE(alerts(), (QList<bool>{false, true, true, true}));
     DO(client.close());
     QCOMPARE(m_system.service.terminate(), 0);
 
@@ -126,17 +136,25 @@ void tst_AccountWholeFlow::anAccountIsMadeUsedAndChanged()
     DO(client.close());
 #undef DO
 
+    QVERIFY(databaseHolds(member.toUtf8())); // the search finds what is there
     QVERIFY(!databaseHolds(oldPassword.toUtf8()));
     QVERIFY(!databaseHolds(newPassword.toUtf8()));
+    QCOMPARE(alerts(), (QList<bool>{false, true, true, true}));
     QCOMPARE(m_system.service.value(QStringLiteral("SELECT count(*) FROM auctions")).toInt(), 1);
+    QCOMPARE(m_system.service.terminate(), 0);
+    QCOMPARE(m_system.service.complaints(), QByteArray());
 
     const QString file = client.home() + QStringLiteral("/.config/kavlor/kavlor.conf");
-    QCOMPARE(QFileInfo(file).permissions()
-                 & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),
-             QFile::Permissions());
+    const QFile::Permissions others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup
+        | QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
+    const QFile::Permissions permissions = QFileInfo(file).permissions();
+    QCOMPARE(permissions & others, QFile::Permissions());
+    QCOMPARE(permissions & (QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner),
+             QFile::ReadOwner | QFile::WriteOwner);
     const QSettings settings(file, QSettings::IniFormat);
     QCOMPARE(settings.value(QStringLiteral("last/USERID")).toString(), member);
     const QString group = QStringLiteral("UserData.") + member;
+    QCOMPARE(settings.value(group + QStringLiteral("/Username")).toString(), member);
     QCOMPARE(settings.value(group + QStringLiteral("/Password")).toString(), newPassword);
     QCOMPARE(settings.value(group + QStringLiteral("/Email Address")).toString(),
              QStringLiteral("zoe@example.net"));

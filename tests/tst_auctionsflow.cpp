@@ -140,6 +140,8 @@ void tst_AuctionsFlow::aMemberSeesTheBidOfAVisitorAndChangesThePrices()
     QCOMPARE(prices.size(), 1);
     QCOMPARE(prices.constFirst().at(0).toInt(), 55);
     QCOMPARE(prices.constFirst().at(1).toInt(), 120);
+    QCOMPARE(m_system.service.terminate(), 0);
+    QCOMPARE(m_system.service.complaints(), QByteArray());
 }
 
 KAVLOR_TEST_MAIN(tst_AuctionsFlow)

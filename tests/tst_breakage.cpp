@@ -2,6 +2,10 @@
 #include "testmain.h"
 #include "wholesystem.h"
 
+#include <QDir>
+#include <QElapsedTimer>
+#include <QThread>
+
 #include <csignal>
 
 /**
@@ -14,6 +18,7 @@ class tst_Breakage : public TestCase
 
 private slots:
     void initTestCase();
+    void cleanupTestCase();
     void init();
     void cleanup();
 
@@ -23,17 +28,29 @@ private slots:
 
 private:
     int auctions() const;
+    QStringList files(const char *folder) const;
+    /** A clip of many megabytes, so that its upload takes a while; empty = not made. */
+    QString makeClip() const;
     /** Stops the service's process without ending it, so that requests hang. */
     void pauseService() const;
     void resumeService() const;
+    /** How much of the uploads under way the service has put down so far, in bytes. */
+    qint64 arrivedBytes() const;
+    /** Lets a paused service take a part of the upload, and pauses it again. */
+    bool takePartOfUpload() const;
 
     WholeSystem m_system;
     int m_before = 0;
+    QStringList m_mediaBefore;
 };
 
 #define DO(step) QVERIFY2(step, qPrintable(m_system.client->error()))
 
 namespace {
+
+// Below the most that the service takes, and far above what waits between two sockets.
+constexpr qint64 clipSize = 60L * 1024 * 1024;
+constexpr qint64 patience = 30000; // ms
 
 QString name(const char *objectName)
 {
@@ -51,18 +68,24 @@ void tst_Breakage::initTestCase()
     DO(m_system.client->close());
 }
 
-// At the confirmation page, everything entered.
+void tst_Breakage::cleanupTestCase()
+{
+    QCOMPARE(m_system.service.terminate(), 0);
+    QCOMPARE(m_system.service.complaints(), QByteArray());
+}
+
 void tst_Breakage::init()
 {
     TestCase::init();
     m_before = auctions();
+    m_mediaBefore = files("media");
     DO(m_system.client->start());
-    DO(m_system.prepareUpload(m_system.makePhoto(Qt::darkRed), QStringLiteral("A photo")));
 }
 
 void tst_Breakage::cleanup()
 {
     m_system.client->kill();
+    resumeService();
 }
 
 int tst_Breakage::auctions() const
@@ -70,22 +93,71 @@ int tst_Breakage::auctions() const
     return m_system.service.value(QStringLiteral("SELECT count(*) FROM auctions")).toInt();
 }
 
+QStringList tst_Breakage::files(const char *folder) const
+{
+    return QDir(m_system.service.dataDir() + QLatin1Char('/') + QLatin1String(folder))
+        .entryList(QDir::Files | QDir::Hidden);
+}
+
+QString tst_Breakage::makeClip() const
+{
+    QFile clip(m_system.client->home() + QStringLiteral("/Pictures/long.mp4"));
+    return clip.open(QIODevice::WriteOnly) && clip.resize(clipSize) ? clip.fileName() : QString();
+}
+
 void tst_Breakage::pauseService() const
 {
-    ::kill(static_cast<pid_t>(m_system.service.processId()), SIGSTOP);
+    const qint64 process = m_system.service.processId();
+    if (process > 0) // 0 would be everybody
+        ::kill(static_cast<pid_t>(process), SIGSTOP);
 }
 
 void tst_Breakage::resumeService() const
 {
-    ::kill(static_cast<pid_t>(m_system.service.processId()), SIGCONT);
+    const qint64 process = m_system.service.processId();
+    if (process > 0)
+        ::kill(static_cast<pid_t>(process), SIGCONT);
+}
+
+// Read off the files that the process has open: one that is still arriving may have no name.
+qint64 tst_Breakage::arrivedBytes() const
+{
+    const QString incoming =
+        QDir(m_system.service.dataDir()).canonicalPath() + QStringLiteral("/incoming/");
+    const QDir open(QStringLiteral("/proc/%1/fd").arg(m_system.service.processId()));
+    const QFileInfoList links =
+        open.entryInfoList(QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot);
+    qint64 bytes = 0;
+    for (const QFileInfo &link : links) {
+        if (QFile::symLinkTarget(link.filePath()).startsWith(incoming))
+            bytes += QFile(link.filePath()).size();
+    }
+    return bytes;
+}
+
+bool tst_Breakage::takePartOfUpload() const
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (arrivedBytes() == 0) {
+        if (timer.hasExpired(patience))
+            return false;
+        resumeService();
+        QThread::msleep(1); // a slice in which it takes far less than the whole
+        pauseService();
+    }
+    return true;
 }
 
 void tst_Breakage::theServiceDiesDuringAnUpload()
 {
     ClientDriver &client = *m_system.client;
+    DO(m_system.prepareUpload(makeClip(), QStringLiteral("A clip")));
     pauseService();
     DO(client.click(name("createAuctionButton")));
     QVERIFY(!client.isThere(name("createAuctionButton"))); // disabled: the upload is under way
+    QVERIFY(takePartOfUpload());
+    QVERIFY(arrivedBytes() < clipSize);
     m_system.service.kill();
     const QString told = client.closeBox();
     QVERIFY2(told.startsWith(QStringLiteral("Media uploading failed. Reason: ")), qPrintable(told));
@@ -93,16 +165,20 @@ void tst_Breakage::theServiceDiesDuringAnUpload()
 
     QVERIFY(m_system.startService());
     QCOMPARE(auctions(), m_before);
+    QCOMPARE(files("media"), m_mediaBefore);
+    QCOMPARE(files("incoming"), QStringList());
     DO(m_system.prepareUpload(m_system.makePhoto(Qt::darkRed), QStringLiteral("Again")));
     DO(client.click(name("createAuctionButton")));
     DO(client.waitFor(name("buttonOk")));
     QCOMPARE(auctions(), m_before + 1);
+    QCOMPARE(files("media").size(), m_mediaBefore.size() + 1);
     DO(client.close());
 }
 
 void tst_Breakage::impatientClicksCreateOneAuction()
 {
     ClientDriver &client = *m_system.client;
+    DO(m_system.prepareUpload(m_system.makePhoto(Qt::darkRed), QStringLiteral("A photo")));
     DO(client.clickTwice(name("createAuctionButton")));
     DO(client.waitFor(name("buttonOk")));
     QCOMPARE(auctions(), m_before + 1);
@@ -111,17 +187,25 @@ void tst_Breakage::impatientClicksCreateOneAuction()
     DO(client.clickTwice(name("pushButtonDone")));
     DO(client.waitFor(name("buttonUpload")));
     DO(client.close());
+    QCOMPARE(auctions(), m_before + 1);
+    QCOMPARE(files("media").size(), m_mediaBefore.size() + 1);
 }
 
 void tst_Breakage::aWindowClosedDuringAnUploadEndsTheProgram()
 {
     ClientDriver &client = *m_system.client;
+    DO(m_system.prepareUpload(makeClip(), QStringLiteral("A clip")));
     pauseService();
     DO(client.click(name("createAuctionButton")));
     QVERIFY(!client.isThere(name("createAuctionButton")));
-    DO(client.close());
+    QVERIFY(takePartOfUpload());
+    QVERIFY(arrivedBytes() < clipSize);
+    DO(client.close()); // with code 0
+
     resumeService();
-    QVERIFY(auctions() <= m_before + 1);
+    QTRY_COMPARE(arrivedBytes(), 0); // what had come is dropped
+    QCOMPARE(auctions(), m_before);
+    QCOMPARE(files("media"), m_mediaBefore);
 }
 
 KAVLOR_TEST_MAIN(tst_Breakage)
