@@ -15,11 +15,6 @@ namespace {
 constexpr uint cellCount = 8;
 constexpr int initialPosition = 5; // percent
 
-bool hasError(const QString &response)
-{
-    return response.contains(QLatin1String("ERROR"));
-}
-
 } // namespace
 
 bool CKavlorSplashWindow::s_errorShown = false;
@@ -62,7 +57,7 @@ void CKavlorSplashWindow::startRequests()
     }
 }
 
-void CKavlorSplashWindow::requestDone(QString aResponse, QString aError)
+void CKavlorSplashWindow::requestDone(const QString &aResponse, const QString &aError)
 {
     if (s_errorShown)
         return;
@@ -96,9 +91,10 @@ void CKavlorSplashWindow::fail(const QString &error)
 // One reply has come without a transport error: stores it and sends the next request.
 void CKavlorSplashWindow::advance(const QString &response)
 {
+    const bool succeeded = CHttpTolvex::succeeded(response, QString());
     switch (m_state) {
     case ValidatingLogin:
-        m_loggedIn = !hasError(response) && response.toInt() != 0;
+        m_loggedIn = succeeded && response.toInt() != 0;
         if (m_loggedIn) {
             enter(FetchingCategories, tr("requesting categories"));
             m_request->getCategoryList(userName(), password());
@@ -108,13 +104,13 @@ void CKavlorSplashWindow::advance(const QString &response)
         }
         break;
     case FetchingCategories:
-        if (!hasError(response))
+        if (succeeded)
             m_root->setCategoriesText(response);
         enter(FetchingNotificationOptions, tr("requesting user options"));
         m_request->getNotificationOptions(userName(), password());
         break;
     case FetchingNotificationOptions:
-        if (!hasError(response))
+        if (succeeded)
             m_root->setNotificationOptionsText(response);
         enter(FetchingTerms, tr("data is ok, launching..."));
         m_request->getServiceTerms();
@@ -125,7 +121,7 @@ void CKavlorSplashWindow::advance(const QString &response)
         m_request->getCountryList();
         break;
     case FetchingCountries:
-        if (!hasError(response))
+        if (succeeded)
             m_root->setCountriesText(response);
         enter(Done, tr("data is ok, launching..."));
         emit GoodExit();

@@ -40,7 +40,7 @@ signals:
     void initFails();
 
 public slots:
-    void requestDone(QString aResponse, QString aError);
+    void requestDone(const QString &aResponse, const QString &aError);
     void runOnGoodExit();
     void timerExpired();
 

@@ -21,11 +21,6 @@
 
 namespace {
 
-bool isUsable(const QString &response, const QString &error)
-{
-    return error.isEmpty() && !response.isEmpty() && !response.contains(QLatin1String("ERROR"));
-}
-
 QString lastUserKey()
 {
     return QStringLiteral("last/USERID");
@@ -155,6 +150,8 @@ NavigationControlableFrame *RootViewController::makeControlableBar(const QString
     return bar;
 }
 
+// By value: callers pass references into the record, which is loaded anew here.
+// cppcheck-suppress passedByValue
 void RootViewController::ShowLoginOptions(QString userName, QString password, bool aValidated)
 {
     deleteBar();
@@ -210,9 +207,9 @@ void RootViewController::showHome(const QString &userName, const QString &passwo
     frame->show();
 }
 
-void RootViewController::requestDone(QString aResponse, QString aError)
+void RootViewController::requestDone(const QString &aResponse, const QString &aError)
 {
-    const bool usable = isUsable(aResponse, aError);
+    const bool usable = CHttpTolvex::succeeded(aResponse, aError) && !aResponse.isEmpty();
     if (m_requestState == NotificationOptionsRequested) {
         if (usable)
             m_notificationOptions.parse(aResponse);
@@ -229,7 +226,7 @@ void RootViewController::requestDone(QString aResponse, QString aError)
     }
 }
 
-void RootViewController::ShowSettingsOptions(QString userName, QString password,
+void RootViewController::ShowSettingsOptions(const QString &userName, const QString &password,
                                              int aNotificationAtOnce)
 {
     deleteBar();

@@ -64,9 +64,10 @@ public slots:
     /** Shows the home frame, or the welcome frame when either text is empty. */
     void ShowLoginOptions(QString userName = {}, QString password = {}, bool aValidated = false);
     /** Shows the settings menu; with @p aNotificationAtOnce not 0 its alert options at once. */
-    void ShowSettingsOptions(QString userName, QString password, int aNotificationAtOnce = 0);
+    void ShowSettingsOptions(const QString &userName, const QString &password,
+                             int aNotificationAtOnce = 0);
     void showNotifications();
-    void requestDone(QString aResponse, QString aError);
+    void requestDone(const QString &aResponse, const QString &aError);
     /**
      * Sets what the bar says. @p icon and @p aShowCancel each matter to one kind of bar only;
      * the cancel button lowers @p aLogoutFrame. Returns false when there is no bar.
