@@ -49,6 +49,8 @@ signals:
      * Carries the arguments of the report as they came, of whatever number and kind; isConnected()
      * has the new state already.
      */
+    // A signal's arguments are copied once, when it is emitted.
+    // cppcheck-suppress passedByValue
     void connectionStateChanged(const QList<QVariant> arguments);
 
 public slots:

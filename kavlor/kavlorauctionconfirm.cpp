@@ -31,7 +31,7 @@ CKavlorAuctionConfirm::CKavlorAuctionConfirm(const CAuctionRecord *record, QWidg
 
 CKavlorAuctionConfirm::~CKavlorAuctionConfirm() = default;
 
-void CKavlorAuctionConfirm::antiBotCheck(QString aText)
+void CKavlorAuctionConfirm::antiBotCheck(const QString &aText)
 {
     bool isNumber = false;
     const int number = aText.toInt(&isNumber);

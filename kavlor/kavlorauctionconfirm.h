@@ -29,7 +29,7 @@ signals:
 
 public slots:
     /** Lets the member go on exactly when @p aText is the check number; nothing asks for it now. */
-    void antiBotCheck(QString aText);
+    void antiBotCheck(const QString &aText);
     void CreateAuctionClicked();
 
 protected:

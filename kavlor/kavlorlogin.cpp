@@ -57,7 +57,7 @@ void KavlorLogin::loginClick()
     m_request->validateLogin(m_ui->lineUsername->text(), m_ui->linePassword->text());
 }
 
-void KavlorLogin::ValidationDone(QString aUnoOnSuccess, QString aError)
+void KavlorLogin::ValidationDone(const QString &aUnoOnSuccess, const QString &aError)
 {
     if (aError.isEmpty()) {
         if (aUnoOnSuccess.toInt() == 1) {

@@ -25,7 +25,7 @@ public:
 
 public slots:
     /** The service has answered: "1" means that the pair is right. */
-    void ValidationDone(QString aUnoOnSuccess, QString aError);
+    void ValidationDone(const QString &aUnoOnSuccess, const QString &aError);
     void loginClick();
     void UserChanged();
     /** Back to the welcome frame; the bar's cancel button calls it by name. */

@@ -75,6 +75,8 @@ CKavlorUser::CKavlorUser(const CKavlorUser &other)
 {
 }
 
+// A record keeps the settings it writes to.
+// cppcheck-suppress operatorEqVarError
 CKavlorUser &CKavlorUser::operator=(const CKavlorUser &other)
 {
     m_fields = other.m_fields;

@@ -11,7 +11,7 @@ QString rootStyleSheet();
  * For the area that holds the content frames, which inherit it.
  *
  * A form sets these properties of its widgets instead of repeating rules:
- * "main" on a push button that leads on, "green" on one that confirms, "panel" on what stands on the translucent panel,
- * "error" on a label that tells a fault.
+ * "main" on a push button that leads on, "green" on one that confirms, "panel" on what stands on
+ * the translucent panel, "error" on a label that tells a fault.
  */
 QString themeStyleSheet();

@@ -193,7 +193,8 @@ void tst_KavlorAuctionCreate::anAcceptedPageDeletesItself()
     QPointer<Page> page = new Page(0, 0, 1, nullptr);
     page->show();
     QTest::mouseClick(finalizeButton(page), Qt::LeftButton);
-    QVERIFY(page && !page->isVisible());
+    QVERIFY(page);
+    QVERIFY(!page->isVisible());
     QTRY_VERIFY(!page);
 }
 

@@ -9,6 +9,5 @@ void TestCase::init()
 {
     resetTestConstants();
     // All but what the offscreen platform says it cannot do.
-    QTest::failOnWarning(QRegularExpression(
-        QStringLiteral("^(?!This plugin does not support )")));
+    QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not support )")));
 }
