@@ -79,8 +79,10 @@ CKavlorUser::CKavlorUser(const CKavlorUser &other)
 // cppcheck-suppress operatorEqVarError
 CKavlorUser &CKavlorUser::operator=(const CKavlorUser &other)
 {
-    m_fields = other.m_fields;
-    m_userId = other.m_userId;
+    if (this != &other) {
+        m_fields = other.m_fields;
+        m_userId = other.m_userId;
+    }
     return *this;
 }
 

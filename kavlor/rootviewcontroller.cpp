@@ -152,6 +152,7 @@ NavigationControlableFrame *RootViewController::makeControlableBar(const QString
 
 // By value: callers pass references into the record, which is loaded anew here.
 // cppcheck-suppress passedByValue
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void RootViewController::ShowLoginOptions(QString userName, QString password, bool aValidated)
 {
     deleteBar();
@@ -288,8 +289,8 @@ void RootViewController::ShowUploadOptions()
     frame->show();
 }
 
-bool RootViewController::setNavigationTextAndIcon(QString text, QString icon, bool aShowCancel,
-                                                  QFrame *aLogoutFrame)
+bool RootViewController::setNavigationTextAndIcon(const QString &text, const QString &icon,
+                                                  bool aShowCancel, QFrame *aLogoutFrame)
 {
     if (auto *controlable = qobject_cast<NavigationControlableFrame *>(m_bar)) {
         controlable->setTitleAndIcon(text, icon);

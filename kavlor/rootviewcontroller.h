@@ -72,8 +72,8 @@ public slots:
      * Sets what the bar says. @p icon and @p aShowCancel each matter to one kind of bar only;
      * the cancel button lowers @p aLogoutFrame. Returns false when there is no bar.
      */
-    bool setNavigationTextAndIcon(QString text = {}, QString icon = {}, bool aShowCancel = false,
-                                  QFrame *aLogoutFrame = nullptr);
+    bool setNavigationTextAndIcon(const QString &text = {}, const QString &icon = {},
+                                  bool aShowCancel = false, QFrame *aLogoutFrame = nullptr);
     /** Shows or hides the progress strip; false when the bar has none. */
     bool setProgressVisible(bool aVisible = true);
     /** Starts or stops the progress strip (times in ms); false when the bar has none. */

@@ -227,7 +227,7 @@ QString CUploadMediaController::startFolder() const
     return QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
 }
 
-void CUploadMediaController::changeMedia(QString aFileName, bool aVideo)
+void CUploadMediaController::changeMedia(const QString &aFileName, bool aVideo)
 {
     m_rotationTimer.stop();
     if (!m_previewSize.isValid())
@@ -430,7 +430,7 @@ void CUploadMediaController::createAuction()
     m_request->createAuction(*m_user, m_record);
 }
 
-void CUploadMediaController::requestDone(QString aResponse, QString aError)
+void CUploadMediaController::requestDone(const QString &aResponse, const QString &aError)
 {
     m_progress->animate(false, 0, 0);
     setPercentage(100);

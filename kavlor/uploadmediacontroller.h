@@ -48,7 +48,7 @@ public slots:
     void descriptionPosChanged();
     void captionPosChanged(int aOld = -1, int aNew = -1);
     void chooseMediaClick();
-    void changeMedia(QString aFileName, bool aVideo = false);
+    void changeMedia(const QString &aFileName, bool aVideo = false);
     void doneClick();
     void categorized(int aCategory);
     void createAuction();
@@ -56,7 +56,7 @@ public slots:
     void showDescription();
     void backClicked();
     void cancelClicked();
-    void requestDone(QString aResponse, QString aError);
+    void requestDone(const QString &aResponse, const QString &aError);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
