@@ -168,7 +168,7 @@ void tst_KavlorAuctionCreate::pricesOutsideTheLimitsCannotBeEntered()
     type(page, "buyItNowPrice", QStringLiteral("10000001"));
     QTest::mouseClick(finalizeButton(page), Qt::LeftButton);
     QCOMPARE(finalized.count(), 1);
-    const QList<QVariant> prices = finalized.at(0);
+    const QList<QVariant> &prices = finalized.at(0);
     QVERIFY(prices.at(0).toInt() >= 0);
     QVERIFY(prices.at(1).toInt() <= 10000000);
     QCOMPARE(prices.at(2).toInt(), 1);

@@ -81,7 +81,7 @@ void tst_UploadFlow::aPhotoGoesFromDiskOntoAuction()
         " a.buy_price, a.captured, a.media, a.state FROM auctions a JOIN members m ON m.id=a.member"
         " ORDER BY a.id DESC LIMIT 1"));
     QCOMPARE(rows.size(), 1);
-    const QVariantList row = rows.constFirst();
+    const QVariantList &row = rows.constFirst();
     QCOMPARE(row.at(0).toString(), demo);
     QCOMPARE(row.at(1).toString(), QStringLiteral("Evening at the \"lake\" <b>"));
     QCOMPARE(row.at(2).toString(), QStringLiteral("A"));

@@ -106,7 +106,7 @@ void ClientDriver::kill()
     m_process.waitForFinished();
 }
 
-QJsonObject ClientDriver::ask(QJsonObject question)
+QJsonObject ClientDriver::ask(const QJsonObject &question)
 {
     if (!m_socket || !isRunning()) {
         m_error = QStringLiteral("the client is not running: ") + QString::fromLocal8Bit(output());

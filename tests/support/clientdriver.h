@@ -70,7 +70,7 @@ public:
     QByteArray output();
 
 private:
-    QJsonObject ask(QJsonObject command);
+    QJsonObject ask(const QJsonObject &question);
     bool until(const QJsonObject &command);
     static QJsonObject cellCommand(const char *action, const QString &table, int row, int column);
 
