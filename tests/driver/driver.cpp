@@ -154,6 +154,7 @@ Driver::Driver(QObject *parent)
     : QObject(parent)
 {
     connect(&m_socket, &QLocalSocket::readyRead, this, &Driver::readCommands);
+    m_socket.setSocketOptions(QLocalSocket::AbstractNamespaceOption);
     m_socket.connectToServer(qEnvironmentVariable("KAVLOR_DRIVER_SOCKET"));
 }
 

@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 #include <QLocalSocket>
 #include <QTest>
+#include <QUuid>
 
 namespace {
 
@@ -31,6 +32,8 @@ ClientDriver::ClientDriver(QObject *parent)
     , m_home(m_ownHome.path())
     , m_environment(QProcessEnvironment::systemEnvironment())
 {
+    // Abstract: a path inside the temporary folder may be too long for a socket.
+    m_server.setSocketOptions(QLocalServer::AbstractNamespaceOption);
     m_process.setProcessChannelMode(QProcess::MergedChannels);
 }
 
@@ -60,7 +63,7 @@ bool ClientDriver::start()
     m_socket = nullptr;
     m_server.close();
     QDir().mkpath(m_home + QStringLiteral("/Pictures"));
-    if (!m_server.listen(m_ownHome.filePath(QStringLiteral("driver")))) {
+    if (!m_server.listen(QUuid::createUuid().toString(QUuid::WithoutBraces))) {
         m_error = m_server.errorString();
         return false;
     }
@@ -95,7 +98,12 @@ int ClientDriver::waitForEnd()
 bool ClientDriver::close()
 {
     ask(command("quit"));
-    return waitForEnd() == 0;
+    const int code = waitForEnd();
+    if (code == 0)
+        return true;
+    m_error = QStringLiteral("the client ended with code %1: ").arg(code)
+        + QString::fromLocal8Bit(output());
+    return false;
 }
 
 void ClientDriver::kill()
