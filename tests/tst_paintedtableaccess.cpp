@@ -3,7 +3,12 @@
 #include "testmain.h"
 
 #include <QAccessible>
+#include <QDir>
+#include <QImage>
+#include <QStandardPaths>
 #include <QTableView>
+#include <QTemporaryDir>
+#include <QTest>
 
 /**
  * What a screen reader finds in the tables whose cells are painted.
