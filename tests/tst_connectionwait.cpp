@@ -3,6 +3,7 @@
 #include "privatebus.h"
 #include "scriptedservice.h"
 #include "standindaemon.h"
+#include "standingconf.h"
 #include "testcase.h"
 #include "testconstants.h"
 #include "testmain.h"
@@ -20,13 +21,6 @@
 namespace {
 
 const char autoConnect[] = "/system/osso/connectivity/network_type/auto_connect";
-
-bool configure(const char *setting)
-{
-    return PrivateBus::gconfTool({QStringLiteral("--set"), QLatin1String(autoConnect),
-                                  QStringLiteral("--type"), QStringLiteral("string"),
-                                  QLatin1String(setting)});
-}
 
 // The request under test with what came of it.
 class Request
@@ -73,7 +67,6 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void cleanupTestCase();
 
     void sentAtOnceInAConnectedState_data();
     void sentAtOnceInAConnectedState();
@@ -95,8 +88,10 @@ private slots:
     void twoRequestsMayWait();
 
 private:
+    bool configure(const char *setting);
     void goOffline(quint32 state = 0);
 
+    StandInGConf m_gconf;
     PrivateBus m_bus;
     std::unique_ptr<StandInDaemon> m_daemon;
     std::unique_ptr<CConnector> m_connector;
@@ -127,9 +122,10 @@ void tst_ConnectionWait::cleanup()
     m_daemon.reset();
 }
 
-void tst_ConnectionWait::cleanupTestCase()
+bool tst_ConnectionWait::configure(const char *setting)
 {
-    PrivateBus::gconfTool({QStringLiteral("--shutdown")});
+    return m_gconf.set(QLatin1String(autoConnect), QStringLiteral("string"),
+                       QLatin1String(setting));
 }
 
 // Has the daemon report a state that is not connected, and forgets the calls until then.

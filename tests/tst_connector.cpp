@@ -1,6 +1,7 @@
 #include "connector.h"
 #include "privatebus.h"
 #include "standindaemon.h"
+#include "standingconf.h"
 #include "testcase.h"
 #include "testconstants.h"
 #include "testmain.h"
@@ -58,7 +59,6 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
-    void cleanupTestCase();
 
     void instanceIsTheLivingObject();
     void isNotConnectedBeforeAnyReport();
@@ -90,6 +90,7 @@ private slots:
 private:
     void make();
 
+    StandInGConf m_gconf;
     PrivateBus m_bus;
     std::unique_ptr<StandInDaemon> m_daemon;
     std::unique_ptr<CConnector> m_connector;
@@ -111,11 +112,6 @@ void tst_Connector::cleanup()
 {
     m_connector.reset();
     m_daemon.reset();
-}
-
-void tst_Connector::cleanupTestCase()
-{
-    PrivateBus::gconfTool({QStringLiteral("--shutdown")});
 }
 
 void tst_Connector::make()
@@ -330,47 +326,47 @@ void tst_Connector::smartConnectDoesNothingWhileConnected()
 
 void tst_Connector::smartConnectFollowsTheSetting_data()
 {
-    QTest::addColumn<QStringList>("setting");
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QString>("value");
     QTest::addColumn<QString>("warning");
     QTest::addColumn<QString>("member");
 
-    const QString key = QLatin1String(autoConnect);
     const QString connectCall = QStringLiteral("connect_req");
     const QString chooserCall = QStringLiteral("show_conn_dlg");
-    const auto set = [&](const char *type, const char *value) {
-        return QStringList{QStringLiteral("--set"), key, QStringLiteral("--type"),
-                           QLatin1String(type), QLatin1String(value)};
-    };
-    const auto setList = [&](const char *value) {
-        return QStringList{QStringLiteral("--set"),       key,
-                           QStringLiteral("--type"),      QStringLiteral("list"),
-                           QStringLiteral("--list-type"), QStringLiteral("string"),
-                           QLatin1String(value)};
-    };
-    QTest::newRow("unset")
-        << QStringList{QStringLiteral("--unset"), key}
-        << QStringLiteral("Warning: CGConfBackend::value got a NULL value for key: \"%1\"").arg(key)
-        << chooserCall;
-    QTest::newRow("empty text") << set("string", "") << QString() << chooserCall;
-    QTest::newRow("any network") << set("string", "*") << QString() << connectCall;
-    QTest::newRow("list of any network") << setList("[*]") << QString() << connectCall;
-    QTest::newRow("list of two") << setList("[WLAN_INFRA,GPRS]") << QString() << connectCall;
-    QTest::newRow("empty list") << setList("[]") << QString() << chooserCall;
-    QTest::newRow("float") << set(
-        "float", "1.5") << QStringLiteral("CGConfBackend::value: the type 3 is not yet supported.")
+    QTest::newRow("unset") << QString() << QString()
+                           << QStringLiteral(
+                                  "Warning: CGConfBackend::value got a NULL value for key: \"%1\"")
+                                  .arg(QLatin1String(autoConnect))
                            << chooserCall;
-    QTest::newRow("number") << set("int", "0") << QString() << connectCall;
-    QTest::newRow("truth") << set("bool", "false") << QString() << connectCall;
+    QTest::newRow("empty text") << "string" << QString() << QString() << chooserCall;
+    QTest::newRow("any network") << "string"
+                                 << "*" << QString() << connectCall;
+    QTest::newRow("list of any network") << "list"
+                                         << "*" << QString() << connectCall;
+    QTest::newRow("list of two") << "list"
+                                 << "WLAN_INFRA,GPRS" << QString() << connectCall;
+    QTest::newRow("empty list") << "list" << QString() << QString() << chooserCall;
+    QTest::newRow("float") << "float"
+                           << "1.5"
+                           << QStringLiteral(
+                                  "CGConfBackend::value: the type 3 is not yet supported.")
+                           << chooserCall;
+    QTest::newRow("number") << "int"
+                            << "0" << QString() << connectCall;
+    QTest::newRow("truth") << "bool"
+                           << "false" << QString() << connectCall;
 }
 
 void tst_Connector::smartConnectFollowsTheSetting()
 {
-    QFETCH(QStringList, setting);
+    QFETCH(QString, type);
+    QFETCH(QString, value);
     QFETCH(QString, warning);
     QFETCH(QString, member);
 
     make();
-    QVERIFY(PrivateBus::gconfTool(setting));
+    const QString key = QLatin1String(autoConnect);
+    QVERIFY(type.isEmpty() ? m_gconf.unset(key) : m_gconf.set(key, type, value));
     if (!warning.isEmpty())
         QTest::ignoreMessage(QtWarningMsg, qPrintable(warning));
     m_connector->smartConnect();
@@ -417,7 +413,7 @@ void tst_Connector::withoutGConfTheSettingIsNotConsulted()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("LD_LIBRARY_PATH"), folder.path());
 
-    QVERIFY(PrivateBus::gconfTool({QStringLiteral("--unset"), QLatin1String(autoConnect)}));
+    QVERIFY(m_gconf.unset(QLatin1String(autoConnect)));
     const Outcome outcome = runProbe({QStringLiteral("smartConnect")}, 1, environment);
     QCOMPARE(outcome.errors, QStringList());
     QCOMPARE(outcome.exitCode, 0);

@@ -1,6 +1,7 @@
 #include "auctionlist.h"
 #include "auctionstrip.h"
 #include "kavlormyauctionsmodel.h"
+#include "picturecomparison.h"
 #include "testcase.h"
 #include "testmain.h"
 
@@ -135,8 +136,7 @@ void tst_KavlorMyAuctionsModel::compareWithReference(const QImage &image, const 
         QVERIFY(image.save(path));
     const QImage reference(path);
     QVERIFY2(!reference.isNull(), qPrintable(path));
-    QCOMPARE(image.convertToFormat(QImage::Format_ARGB32),
-             reference.convertToFormat(QImage::Format_ARGB32));
+    QCOMPARE(pictureDifference(image, reference), QString());
 }
 
 void tst_KavlorMyAuctionsModel::everyItemGoesToItsField()

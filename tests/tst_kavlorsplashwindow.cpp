@@ -266,7 +266,6 @@ void tst_KavlorSplashWindow::afterTheFirstErrorEveryReplyIsIgnored()
 
 void tst_KavlorSplashWindow::offlineTheStartEndsWithOneBoxAndNoRequest()
 {
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("CGConfBackend")));
     RootWindow window;
     testTimeConstants().connectionWait = 50;
     window.connector.reportState(OnlineConnector::Disconnected);
@@ -280,7 +279,6 @@ void tst_KavlorSplashWindow::offlineTheStartEndsWithOneBoxAndNoRequest()
 
 void tst_KavlorSplashWindow::aWindowClosedWhileWaitingForAConnectionIsToldNothing()
 {
-    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("CGConfBackend")));
     RootWindow window;
     testTimeConstants().connectionWait = 100;
     window.connector.reportState(OnlineConnector::Disconnected);

@@ -1156,9 +1156,6 @@ void tst_UploadMediaController::noConnectionFails()
     QVERIFY(driver.open());
     QVERIFY(driver.toConfirmation());
     driver.window.connector.reportState(OnlineConnector::Disconnected);
-    QTest::ignoreMessage(QtWarningMsg,
-                         QRegularExpression(QStringLiteral("^Warning: CGConfBackend::value "
-                                                           "unable to find key")));
     QVERIFY(driver.window.click("createAuctionButton"));
     QVERIFY(driver.waitForHome());
     QCOMPARE(driver.lastBox(),
