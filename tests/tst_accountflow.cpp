@@ -141,6 +141,10 @@ void tst_AccountFlow::createdAccountLeadsHome()
     QCOMPARE(window.title(), QStringLiteral("welcome to kavlor!"));
     QTRY_VERIFY(!creation);
     QTRY_VERIFY2(window.service.isDone(), window.service.report());
+    QCOMPARE(window.service.requests().at(2).body,
+             QByteArray("Password2=new&Username=%C5%BEofie&Password1=new&FirstName=&LastName="
+                        "&EmailAddress=m5@example.org&PaypalAddress=&CountryID=US&Gender=M"
+                        "&Language=EN&TwitterUsername=&TwitterPassword=&SUBMIT=Submit"));
     QCOMPARE(window.root()->user()->userId(), 4711);
     QCOMPARE(stored(window, "last/USERID"), QStringLiteral(u"\u017Eofie"));
     QVERIFY(window.dialogs.boxes().isEmpty());

@@ -20,6 +20,7 @@ private slots:
 
     void buttonIsDisabledWhileEitherFieldIsEmpty();
     void theRightReplyLeadsHome();
+    void anotherPasswordThanTheStoredOneIsStored();
     void otherReplyIsRefused_data();
     void otherReplyIsRefused();
     void typingAgainClearsTheError();
@@ -88,6 +89,22 @@ void tst_KavlorLogin::theRightReplyLeadsHome()
              QStringLiteral("m1"));
     QCOMPARE(m_window->settings.value(QStringLiteral("UserData.m1/Password")).toString(),
              QStringLiteral("secret"));
+    QTRY_VERIFY2(m_window->service.isDone(), m_window->service.report());
+}
+
+void tst_KavlorLogin::anotherPasswordThanTheStoredOneIsStored()
+{
+    m_window->remember(QStringLiteral("m1"), QStringLiteral("old"));
+    m_window->service.expect("ValidateLogin", "1");
+    m_window->service.expect("GetNotificationOptions", "o\n0,0,0,0\n");
+    m_window->service.expect("GetCategoryList", "c\n1,Sports,0\n");
+    QVERIFY(typeLogin());
+    QVERIFY(m_window->click("loginButton"));
+    QTRY_VERIFY(m_window->shown<KavlorKnownUser>());
+    QCOMPARE(m_window->settings.value(QStringLiteral("UserData.m1/Password")).toString(),
+             QStringLiteral("secret"));
+    QCOMPARE(m_window->settings.value(QStringLiteral("UserData.m1/Email Address")).toString(),
+             QStringLiteral("m1@example.org")); // the rest of the record stays
     QTRY_VERIFY2(m_window->service.isDone(), m_window->service.report());
 }
 

@@ -1,6 +1,7 @@
 #include "framewelcomekavlor.h"
 #include "kavlorknownuser.h"
 #include "kavlorsplashwindow.h"
+#include "progressivemodel.h"
 #include "rootwindow.h"
 #include "testcase.h"
 #include "testconstants.h"
@@ -22,26 +23,38 @@ private slots:
     void validationReply();
     void repliesWithinTheMinimumTimeWaitForIt();
     void theTimerFirstWaitsForTheCountriesReply();
+    void messagesAccompanyTheRequests_data();
     void messagesAccompanyTheRequests();
+    void onlyALoginThatWasNotValidatedIsSavedAgain_data();
+    void onlyALoginThatWasNotValidatedIsSavedAgain();
     void replyWithErrorIsNotStored_data();
     void replyWithErrorIsNotStored();
     void termsAreStoredWithoutLookingForError();
     void transportErrorEndsTheProgram_data();
     void transportErrorEndsTheProgram();
+    void theStripStopsOnAnError();
+    void theWindowIsHiddenBeforeItSaysThatTheStartFailed();
     void afterTheFirstErrorEveryReplyIsIgnored();
     void offlineTheStartEndsWithOneBoxAndNoRequest();
     void aWindowClosedWhileWaitingForAConnectionIsToldNothing();
     void versionAndStripAreShown();
+    void theStripSweepsFromItsFirstCell();
     void aLoginWithoutPasswordIsNotValidated();
     void handsOverOnlyOnce();
 
 private:
     static QString message(const RootWindow &window);
+    static CProgressiveModel *strip(const RootWindow &window);
 };
 
 QString tst_KavlorSplashWindow::message(const RootWindow &window)
 {
     return window.text("progressMessage");
+}
+
+CProgressiveModel *tst_KavlorSplashWindow::strip(const RootWindow &window)
+{
+    return qobject_cast<CProgressiveModel *>(window.find<QTableView>("splashProgress")->model());
 }
 
 void tst_KavlorSplashWindow::withoutALoginTermsThenCountries()
@@ -143,28 +156,87 @@ void tst_KavlorSplashWindow::theTimerFirstWaitsForTheCountriesReply()
     QTRY_VERIFY(window.shown<FrameWelcomeKavlor>());
 }
 
+void tst_KavlorSplashWindow::messagesAccompanyTheRequests_data()
+{
+    QTest::addColumn<QByteArray>("validation"); // the reply; empty = nobody is remembered
+    QTest::addColumn<QStringList>("messages");
+
+    const QString terms = QStringLiteral("requesting terms data");
+    const QString countries = QStringLiteral("requesting countries data");
+    const QString login = QStringLiteral("validating login");
+    QTest::newRow("nobody") << QByteArray() << QStringList{terms, countries};
+    QTest::newRow("refused login") << QByteArray("0") << QStringList{login, terms, countries};
+    // The message of the alert options' reply stays while the terms are fetched.
+    QTest::newRow("right login") << QByteArray("1")
+                                 << QStringList{login, QStringLiteral("requesting categories"),
+                                                QStringLiteral("requesting user options"),
+                                                QStringLiteral("data is ok, launching..."),
+                                                countries};
+}
+
 void tst_KavlorSplashWindow::messagesAccompanyTheRequests()
 {
+    QFETCH(QByteArray, validation);
+    QFETCH(QStringList, messages);
     RootWindow window;
-    testTimeConstants().startUpMinimum = 1;
-    window.remember(QStringLiteral("m1"), QStringLiteral("secret"));
-    window.service.expectHeld("ValidateLogin", "1");
-    window.service.expectHeld("GetCategoryList", "c\n1,Sports,0\n");
-    window.service.expectHeld("GetNotificationOptions", "o\n0,0,0,0\n");
+    testTimeConstants().startUpMinimum = 60000; // the last message stands until then
+    if (!validation.isEmpty()) {
+        window.remember(QStringLiteral("m1"), QStringLiteral("secret"));
+        window.service.expectHeld("ValidateLogin", validation);
+    }
+    if (validation == "1") {
+        window.service.expectHeld("GetCategoryList", "c\n1,Sports,0\n");
+        window.service.expectHeld("GetNotificationOptions", "o\n0,0,0,0\n");
+    }
     window.service.expectHeld("GetServiceTerms", "terms");
     window.service.expectHeld("GetCountryList", "countries");
     window.start();
-    // The message of the alert options' reply stays while the terms are fetched.
-    const QStringList messages{
-        QStringLiteral("validating login"), QStringLiteral("requesting categories"),
-        QStringLiteral("requesting user options"), QStringLiteral("data is ok, launching..."),
-        QStringLiteral("requesting countries data")};
     for (const QString &expected : messages) {
         QTRY_VERIFY(window.service.isHolding());
         QCOMPARE(message(window), expected);
         QVERIFY(window.service.release());
     }
+    QTRY_COMPARE(message(window), QStringLiteral("data is ok, launching..."));
+    QVERIFY2(window.service.isDone(), window.service.report());
+}
+
+void tst_KavlorSplashWindow::onlyALoginThatWasNotValidatedIsSavedAgain_data()
+{
+    QTest::addColumn<QByteArray>("validation");
+    QTest::addColumn<bool>("saved");
+
+    QTest::newRow("validated") << QByteArray("1") << false;
+    QTest::newRow("refused") << QByteArray("0") << true;
+}
+
+void tst_KavlorSplashWindow::onlyALoginThatWasNotValidatedIsSavedAgain()
+{
+    QFETCH(QByteArray, validation);
+    QFETCH(bool, saved);
+    RootWindow window;
+    window.remember(QStringLiteral("m1"), QStringLiteral("secret"));
+    window.service.expect("ValidateLogin", validation);
+    if (!saved) {
+        window.service.expect("GetCategoryList", "c\n1,Sports,0\n");
+        window.service.expect("GetNotificationOptions", "o\n0,0,0,0\n");
+    }
+    window.service.expect("GetServiceTerms", "terms");
+    window.service.expectHeld("GetCountryList", "countries");
+    window.start();
+    QTRY_VERIFY(window.service.isHolding());
+    // Whatever was read is read by now; who writes the record writes these, too.
+    window.settings.remove(QStringLiteral("last"));
+    window.settings.remove(QStringLiteral("UserData.m1/Gender"));
+    if (saved) {
+        window.service.expect("GetNotificationOptions", "o\n0,0,0,0\n");
+        window.service.expect("GetCategoryList", "c\n1,Sports,0\n");
+    }
+    QVERIFY(window.service.release());
     QTRY_VERIFY(window.shown<KavlorKnownUser>());
+    QCOMPARE(window.settings.value(QStringLiteral("last/USERID")).toString(),
+             saved ? QStringLiteral("m1") : QString());
+    QCOMPARE(window.settings.contains(QStringLiteral("UserData.m1/Gender")), saved);
+    QTRY_VERIFY2(window.service.isDone(), window.service.report());
 }
 
 void tst_KavlorSplashWindow::replyWithErrorIsNotStored_data()
@@ -244,6 +316,46 @@ void tst_KavlorSplashWindow::transportErrorEndsTheProgram()
     QVERIFY2(window.service.isDone(), window.service.report());
 }
 
+void tst_KavlorSplashWindow::theStripStopsOnAnError()
+{
+    RootWindow window;
+    testTimeConstants().progressStep = 1;
+    ScriptedService::Step cut;
+    cut.operation = "GetServiceTerms";
+    cut.then = ScriptedService::Close;
+    window.service.expect(cut);
+    window.start();
+    QSignalSpy steps(strip(window), &CProgressiveModel::occuredTimerEvent);
+    qsizetype stepsInTheBox = -1;
+    window.dialogs.beforeNextAnswer([&] {
+        const qsizetype before = steps.count();
+        // A strip that runs on would step as often as this one.
+        CProgressiveModel peer(nullptr, 3, 1);
+        QSignalSpy peerSteps(&peer, &CProgressiveModel::occuredTimerEvent);
+        peer.animate(true, 1, 0);
+        QTRY_VERIFY(peerSteps.count() >= 5);
+        stepsInTheBox = steps.count() - before;
+    });
+    QTRY_COMPARE(stepsInTheBox, 0);
+    QTRY_VERIFY(!window.root()->isVisible());
+}
+
+void tst_KavlorSplashWindow::theWindowIsHiddenBeforeItSaysThatTheStartFailed()
+{
+    RootWindow window;
+    ScriptedService::Step cut;
+    cut.operation = "GetServiceTerms";
+    cut.then = ScriptedService::Close;
+    window.service.expect(cut);
+    window.start();
+    const auto *splash = window.shown<CKavlorSplashWindow>();
+    QList<bool> visible;
+    connect(splash, &CKavlorSplashWindow::initFails, this,
+            [&] { visible.append(splash->isVisible()); });
+    QTRY_VERIFY(!window.root()->isVisible());
+    QCOMPARE(visible, QList<bool>{false});
+}
+
 void tst_KavlorSplashWindow::afterTheFirstErrorEveryReplyIsIgnored()
 {
     RootWindow window;
@@ -301,6 +413,32 @@ void tst_KavlorSplashWindow::versionAndStripAreShown()
     QVERIFY(strip);
     QCOMPARE(strip->model()->columnCount(), 8);
     QVERIFY(!window.find<QLabel>("kavlorLogoLabel")->pixmap().isNull());
+}
+
+void tst_KavlorSplashWindow::theStripSweepsFromItsFirstCell()
+{
+    RootWindow window;
+    testTimeConstants().progressStep = 1;
+    window.service.expectHeld("GetServiceTerms", "terms");
+    window.start();
+    CProgressiveModel *model = strip(window);
+    const CProgressiveModel dark(nullptr, 1, 0);
+    const QVariant unlit = dark.index(0, 0).data(Qt::DecorationRole);
+    QList<int> seen; // the lit column after each step, -1 for none
+    const auto look = [&] {
+        int lit = -1;
+        for (int column = 0; column < model->columnCount(); ++column) {
+            if (model->index(0, column).data(Qt::DecorationRole) != unlit)
+                lit = column;
+        }
+        seen.append(lit);
+    };
+    look();
+    // From 5 percent by 12 a step; the light turns at the end.
+    const QList<int> expected{0, 1, 2, 3, 4, 5, 6, 7, 7, 6};
+    connect(model, &CProgressiveModel::occuredTimerEvent, this, look);
+    QTRY_VERIFY(seen.size() >= expected.size());
+    QCOMPARE(seen.mid(0, expected.size()), expected);
 }
 
 void tst_KavlorSplashWindow::aLoginWithoutPasswordIsNotValidated()

@@ -1,4 +1,6 @@
 #include "framewelcomekavlor.h"
+#include "httptolvex.h"
+#include "kavlorcategorystore.h"
 #include "kavlorknownuser.h"
 #include "kavlorlogin.h"
 #include "navigationcontrolableframe.h"
@@ -8,6 +10,7 @@
 #include "testconstants.h"
 #include "testmain.h"
 
+#include <QCheckBox>
 #include <QDialog>
 #include <QLabel>
 #include <QPushButton>
@@ -27,17 +30,37 @@ private slots:
     void progressOperationsNeedTheBarBeforeSignIn();
     void barTextsReachBothKindsOfBar();
     void withoutABarTheBarOperationsAreRefused();
-    void unvalidatedLoginIsSavedAgain();
+    void aKnownLoginIsSavedAgainUnlessValidated_data();
+    void aKnownLoginIsSavedAgainUnlessValidated();
     void validatedLoginWithOtherTextsIsSaved();
     void repliesOfTheRootsOwnRequestsThatAreNotUsableAreIgnored_data();
     void repliesOfTheRootsOwnRequestsThatAreNotUsableAreIgnored();
+    void repliesAfterTheOptionsCountAsOptionsWhileCategoriesAreThere();
+    void categoriesAreLoadedOnce();
+    void signOutForgetsTheCategoriesText();
     void welcomeSignalShowsTheScreen();
     void framesFillTheirAreas();
     void dialogsKeepTheirOwnSize();
     void destructionRemembersTheMember();
+    void destructionRemembersThatNobodyIsSignedIn();
     void destructionWithARequestInFlight();
     void nothingOfTheLastScreenStays();
+
+private:
+    static QList<bool> alertsShown(RootWindow *window);
 };
+
+// What the alert options say, opened from the home frame; empty when they cannot be opened.
+QList<bool> tst_RootViewController::alertsShown(RootWindow *window)
+{
+    if (!window->click("buttonSettings") || !window->click("pushButtonNotifications"))
+        return {};
+    QList<bool> shown;
+    for (const char *name :
+         {"checkBoxOnBid", "checkBoxOnAuctionEnd", "checkBoxOnView", "checkBoxBuyerQuestion"})
+        shown.append(window->find<QCheckBox>(name)->isChecked());
+    return shown;
+}
 
 void tst_RootViewController::notSignedInBar()
 {
@@ -176,22 +199,25 @@ void tst_RootViewController::withoutABarTheBarOperationsAreRefused()
     QVERIFY(!window.root()->progressAnimation(true));
 }
 
-void tst_RootViewController::unvalidatedLoginIsSavedAgain()
+void tst_RootViewController::aKnownLoginIsSavedAgainUnlessValidated_data()
 {
+    QTest::addColumn<bool>("validated");
+    QTest::newRow("validated") << true;
+    QTest::newRow("not validated") << false;
+}
+
+void tst_RootViewController::aKnownLoginIsSavedAgainUnlessValidated()
+{
+    QFETCH(bool, validated);
     RootWindow window;
-    window.remember(QStringLiteral("m1"), QStringLiteral("secret"));
-    window.service.expect("ValidateLogin", "0");
-    window.scriptStart();
-    window.service.expect("GetNotificationOptions", "ERROR");
-    window.service.expect("GetCategoryList", "ERROR");
-    window.start();
-    QSignalSpy categories(window.root(), &RootViewController::CategoriesDone);
-    QTRY_VERIFY(window.shown<KavlorKnownUser>());
+    QVERIFY(window.startAtHome());
+    window.settings.remove(QStringLiteral("last"));
+    window.root()->ShowLoginOptions(QStringLiteral("m1"), QStringLiteral("secret"), validated);
+    QVERIFY(window.shown<KavlorKnownUser>());
+    QCOMPARE(window.settings.value(QStringLiteral("last/USERID")).toString(),
+             validated ? QString() : QStringLiteral("m1"));
     QCOMPARE(window.settings.value(QStringLiteral("UserData.m1/Password")).toString(),
              QStringLiteral("secret"));
-    QTRY_COMPARE(categories.count(), 1);
-    QVERIFY2(window.service.isDone(), window.service.report());
-    QCOMPARE(window.dialogs.boxes().size(), 0);
 }
 
 void tst_RootViewController::validatedLoginWithOtherTextsIsSaved()
@@ -224,7 +250,54 @@ void tst_RootViewController::repliesOfTheRootsOwnRequestsThatAreNotUsableAreIgno
     QTRY_COMPARE(categories.count(), 1); // said whether usable or not
     QVERIFY2(window.service.isDone(), window.service.report());
     QVERIFY(window.shown<KavlorKnownUser>());
+    QVERIFY(CKavlorCategoryStore::isEmpty());
+    QCOMPARE(alertsShown(&window), (QList<bool>{false, false, false, false}));
     QCOMPARE(window.dialogs.boxes().size(), 0);
+}
+
+void tst_RootViewController::repliesAfterTheOptionsCountAsOptionsWhileCategoriesAreThere()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    CKavlorCategoryStore::load(QStringLiteral("c\n1,Sports,0\n"));
+    window.service.expect("GetNotificationOptions", "o\n1,1,1,1\n");
+    window.root()->ShowLoginOptions(QStringLiteral("m1"), QStringLiteral("secret"), true);
+    auto *request = window.root()->findChild<CHttpTolvex *>(QString(), Qt::FindDirectChildrenOnly);
+    QSignalSpy results(request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    QTRY_COMPARE(results.count(), 1);
+    window.root()->requestDone(QStringLiteral("o\n0,1,0,1\n"), QString());
+    QCOMPARE(alertsShown(&window), (QList<bool>{false, true, false, true}));
+    QVERIFY2(window.service.isDone(), window.service.report());
+}
+
+void tst_RootViewController::categoriesAreLoadedOnce()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    QVERIFY(CKavlorCategoryStore::instance()->contains(10));
+    CKavlorCategoryStore::load(QStringLiteral("c\n77,Newer,0\n"));
+    QVERIFY(window.click("buttonSettings"));
+    QVERIFY(window.click("backNavigationButton"));
+    QVERIFY(window.shown<KavlorKnownUser>());
+    QVERIFY(CKavlorCategoryStore::instance()->contains(77));
+    QVERIFY(!CKavlorCategoryStore::instance()->contains(10));
+}
+
+void tst_RootViewController::signOutForgetsTheCategoriesText()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    QVERIFY(window.click("cancelNavigationButton"));
+    QVERIFY(window.shown<FrameWelcomeKavlor>());
+    CKavlorCategoryStore::load(QString());
+    // With a text left from the start there would be no need to ask.
+    window.service.expect("GetNotificationOptions", "o\n1,1,1,1\n");
+    window.service.expect("GetCategoryList", "c\n8,Others,0\n");
+    QSignalSpy categories(window.root(), &RootViewController::CategoriesDone);
+    window.root()->ShowLoginOptions(QStringLiteral("m1"), QStringLiteral("secret"), true);
+    QTRY_COMPARE(categories.count(), 1);
+    QVERIFY(CKavlorCategoryStore::instance()->contains(8));
+    QVERIFY2(window.service.isDone(), window.service.report());
 }
 
 void tst_RootViewController::welcomeSignalShowsTheScreen()
@@ -273,6 +346,15 @@ void tst_RootViewController::destructionRemembersTheMember()
     window.end();
     QCOMPARE(window.settings.value(QStringLiteral("last/USERID")).toString(), QStringLiteral("m1"));
     QCOMPARE(window.settings.value(QStringLiteral("UserData.m1/UserID")).toInt(), 17);
+}
+
+void tst_RootViewController::destructionRemembersThatNobodyIsSignedIn()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    window.settings.setValue(QStringLiteral("last/USERID"), QStringLiteral("somebody"));
+    window.end();
+    QCOMPARE(window.settings.value(QStringLiteral("last/USERID")).toString(), QString());
 }
 
 void tst_RootViewController::destructionWithARequestInFlight()
