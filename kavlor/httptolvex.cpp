@@ -2,6 +2,7 @@
 
 #include "auctionrecord.h"
 #include "connector.h"
+#include "imagefile.h"
 #include "kavlornotificationoptions.h"
 #include "kavloruser.h"
 #include "qhttp.h"
@@ -13,7 +14,6 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QTemporaryFile>
 #include <QTextStream>
 #include <QTimer>
@@ -24,10 +24,6 @@
 namespace {
 
 constexpr QSize imageBounds(220, 220);
-// A reply of a few bytes may announce an image that takes gigabytes once it is unpacked.
-constexpr qint64 maxImageBytes = 256LL * 1024 * 1024;
-// From here on an image is unpacked at a smaller size where its format allows that.
-constexpr qint64 largeImageBytes = 32LL * 1024 * 1024;
 
 struct AccountKey
 {
@@ -151,35 +147,6 @@ QByteArray mediaHead(const QByteArray &boundary, const QString &path)
         + extension.toLocal8Bit()
         + "\"\r\nContent-length: " + QByteArray::number(QFileInfo(path).size())
         + "\r\nContent-Type: application/octet-stream\r\n\r\n";
-}
-
-// What the image takes once it is unpacked.
-qint64 unpackedBytes(const QImageReader &reader)
-{
-    const QSize size = reader.size();
-    const QImage::Format format = reader.imageFormat();
-    // Not every format tells; two bits a pixel may well become 32.
-    const int depth = format == QImage::Format_Invalid
-        ? 32
-        : qMax<int>(32, QImage::toPixelFormat(format).bitsPerPixel());
-    return qint64(size.width()) * size.height() * depth / 8;
-}
-
-// The image in the file, at most as large as the bounds; null when there is none or when it would
-// take too much memory.
-QImage loadImage(const QString &fileName)
-{
-    QImageReader reader(fileName);
-    reader.setDecideFormatFromContent(true);
-    const qint64 bytes = unpackedBytes(reader);
-    if (bytes > maxImageBytes)
-        return {};
-    if (bytes > largeImageBytes && reader.supportsOption(QImageIOHandler::ScaledSize))
-        reader.setScaledSize(reader.size().scaled(4 * imageBounds, Qt::KeepAspectRatio));
-    const QImage image = reader.read();
-    if (image.isNull())
-        return {};
-    return image.scaled(imageBounds, Qt::KeepAspectRatio, Qt::FastTransformation);
 }
 
 } // namespace
@@ -364,7 +331,7 @@ void CHttpTolvex::done(bool error)
     const bool isText = m_textReply || m_contentType == QLatin1String("text/plain") || !readable;
     const QString response = isText && readable ? QTextStream(&file).readAll() : QString();
     file.close();
-    const QImage image = isText ? QImage() : loadImage(fileName);
+    const QImage image = isText ? QImage() : readReplyImage(fileName, imageBounds);
     dropTempFile();
 
     // Whoever hears of the result may delete this object: nothing is touched after it.

@@ -2,6 +2,7 @@
 
 #include "contentcolumn.h"
 #include "httptolvex.h"
+#include "imagefile.h"
 #include "kavlorauctioncategorize.h"
 #include "kavlorauctionconfirm.h"
 #include "kavlorauctioncreate.h"
@@ -120,6 +121,7 @@ void CUploadMediaController::connectForm()
             &CUploadMediaController::captionPosChanged);
     connect(m_ui->lineCaption, &QLineEdit::selectionChanged, this, [this] { captionPosChanged(); });
     connect(&m_rotationTimer, &QTimer::timeout, this, &CUploadMediaController::rotatePreview);
+    m_ui->photoLabel->installEventFilter(this);
     m_ui->lineCaption->installEventFilter(this);
     m_ui->textDescription->installEventFilter(this);
 }
@@ -131,6 +133,14 @@ void CUploadMediaController::connectRequest()
             &CUploadMediaController::requestDone, Qt::QueuedConnection);
 }
 
+bool CUploadMediaController::event(QEvent *event)
+{
+    const bool isHandled = QFrame::event(event);
+    if (event->type() == QEvent::LayoutRequest)
+        settleLayout();
+    return isHandled;
+}
+
 bool CUploadMediaController::eventFilter(QObject *watched, QEvent *event)
 {
     // A click or a tab into a field need not move its cursor, and yet it is the first touch.
@@ -140,17 +150,26 @@ bool CUploadMediaController::eventFilter(QObject *watched, QEvent *event)
         else if (watched == m_ui->textDescription)
             touchDescription();
     }
+    if (watched == m_ui->photoLabel && event->type() == QEvent::Resize
+        && !m_ui->photoClicker->text().isEmpty())
+        showPrompt();
     return QFrame::eventFilter(watched, event);
 }
 
 void CUploadMediaController::resizeEvent(QResizeEvent *event)
 {
     QFrame::resizeEvent(event);
-    // The preview stays wider than tall in a window of any shape.
+    settleLayout();
+}
+
+// Brings the preview to its final size. It stays wider than tall in a window of any shape, which
+// can only be seen to once its width is final: the margins of a large window come late.
+void CUploadMediaController::settleLayout()
+{
+    layout()->activate();
     m_ui->photoFrame->setMaximumHeight(m_ui->photoFrame->width() * 3 / 4);
+    layout()->activate();
     m_ui->photoFrame->layout()->activate();
-    if (!m_ui->photoClicker->text().isEmpty())
-        showPrompt();
 }
 
 void CUploadMediaController::showPrompt()
@@ -230,8 +249,10 @@ QString CUploadMediaController::startFolder() const
 void CUploadMediaController::changeMedia(const QString &aFileName, bool aVideo)
 {
     m_rotationTimer.stop();
-    if (!m_previewSize.isValid())
+    if (!m_previewSize.isValid()) {
+        settleLayout();
         m_previewSize = m_ui->photoLabel->size();
+    }
     if (aFileName.isEmpty())
         return;
 
@@ -249,16 +270,15 @@ void CUploadMediaController::changeMedia(const QString &aFileName, bool aVideo)
 
 bool CUploadMediaController::showImage()
 {
-    m_image.load(m_record.mediaPath);
-    if (m_image.isNull())
+    const QSize box(m_previewSize.height(), m_previewSize.height());
+    const ShownPhoto photo = readPhoto(m_record.mediaPath, box);
+    if (photo.image.isNull())
         return false;
 
     m_ui->photoClicker->setText(QString());
-    m_imageTextKeys = m_image.textKeys();
-    m_imageSize = m_image.size();
-    const QSize box(m_previewSize.height(), m_previewSize.height());
-    m_ui->photoLabel->setPixmap(
-        QPixmap::fromImage(m_image.scaled(box, Qt::KeepAspectRatio, Qt::FastTransformation)));
+    m_imageTextKeys = photo.image.textKeys();
+    m_imageSize = photo.originalSize;
+    m_ui->photoLabel->setPixmap(QPixmap::fromImage(photo.image));
     if (isSideways(m_imageSize, m_previewSize))
         m_rotationTimer.start(timeConstants().rotationDelay);
     return true;

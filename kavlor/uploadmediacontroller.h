@@ -3,7 +3,6 @@
 #include "auctionrecord.h"
 
 #include <QFrame>
-#include <QImage>
 #include <QPointer>
 #include <QSize>
 #include <QStringList>
@@ -59,6 +58,7 @@ public slots:
     void requestDone(const QString &aResponse, const QString &aError);
 
 protected:
+    bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
@@ -72,6 +72,7 @@ private:
     void retire(QFrame *page);
     void inform(const QString &text);
     QString startFolder() const;
+    void settleLayout();
     void showPrompt();
     bool showImage();
     void showVideoIcon();
@@ -93,8 +94,7 @@ private:
     bool m_captionCleared = false; // the prompt in it was wiped
     bool m_descriptionCleared = false;
     QTimer m_rotationTimer;
-    QImage m_image;
-    QSize m_imageSize; // as loaded
+    QSize m_imageSize; // of the photo in its file
     QStringList m_imageTextKeys;
     QSize m_previewSize;   // of the preview when media was first shown
     QString m_chooserText; // the prompt over the preview

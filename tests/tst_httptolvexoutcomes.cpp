@@ -2,6 +2,7 @@
 #include "httptolvex.h"
 #include "kavloruser.h"
 #include "onlineconnector.h"
+#include "processmemory.h"
 #include "resultlog.h"
 #include "scriptedservice.h"
 #include "testcase.h"
@@ -97,14 +98,6 @@ public:
 private:
     int m_count = 0;
 };
-
-// The most memory that this process has held, in KiB.
-qint64 peakMemory()
-{
-    const QByteArray status = contents(QStringLiteral("/proc/self/status"));
-    const qsizetype start = status.indexOf("VmHWM:") + 6;
-    return status.mid(start, status.indexOf("kB", start) - start).trimmed().toLongLong();
-}
 
 } // namespace
 
@@ -380,6 +373,7 @@ void tst_HttpTolvexOutcomes::absurdImageIsRefusedWithoutSpendingMemory()
 {
     QFETCH(QByteArray, body);
     expect(ScriptedService::reply(body, "image/x"));
+    QVERIFY(resetPeakMemory());
     const qint64 before = peakMemory();
     getImage(m_http.get());
     QTRY_COMPARE(m_log->size(), 1);

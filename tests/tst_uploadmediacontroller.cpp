@@ -5,6 +5,7 @@
 #include "kavlorcategorystore.h"
 #include "kavlorknownuser.h"
 #include "notificationscontroller.h"
+#include "processmemory.h"
 #include "progressivemodel.h"
 #include "rootwindow.h"
 #include "testcase.h"
@@ -13,8 +14,10 @@
 #include "uploadmediaconfirmation.h"
 #include "uploadmediacontroller.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFileInfo>
+#include <QImageReader>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
@@ -240,6 +243,62 @@ private:
     }
 };
 
+// A grey JPEG of any size. Only its first block is encoded; all others repeat it, in six bits each.
+QByteArray greyJpeg(const QSize &size)
+{
+    QImage block(8, 8, QImage::Format_Grayscale8);
+    block.fill(128);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    block.save(&buffer, "JPEG");
+
+    const qsizetype frame = bytes.indexOf("\xff\xc0");
+    bytes[frame + 5] = static_cast<char>(size.height() >> 8);
+    bytes[frame + 6] = static_cast<char>(size.height() & 0xff);
+    bytes[frame + 7] = static_cast<char>(size.width() >> 8);
+    bytes[frame + 8] = static_cast<char>(size.width() & 0xff);
+    const qsizetype scan = bytes.indexOf("\xff\xda");
+    constexpr qsizetype scanHeader = 10;
+    const qsizetype blocks =
+        ((size.width() + qsizetype(7)) / 8) * ((size.height() + qsizetype(7)) / 8);
+    return bytes.left(scan + scanHeader) + QByteArray("\x28\xa2\x8a").repeated((blocks + 3) / 4)
+        + "\xff\xd9";
+}
+
+QByteArray encoded(const QImage &image, const char *format)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, format);
+    return bytes;
+}
+
+QByteArray png(const QSize &size, QImage::Format format)
+{
+    QImage image(size, format);
+    image.fill(0);
+    return encoded(image, "PNG");
+}
+
+// A black bitmap; its pixels are a hole in the file.
+bool makeBmp(const QString &path, const QSize &size)
+{
+    QByteArray header = encoded(QImage(1, 1, QImage::Format_RGB888), "BMP").left(54);
+    const auto put = [&header](int position, quint32 value) {
+        for (int i = 0; i < 4; ++i)
+            header[position + i] = static_cast<char>(value >> (8 * i));
+    };
+    put(18, static_cast<quint32>(size.width()));
+    put(22, static_cast<quint32>(size.height()));
+    put(34, 0); // it is not compressed, and its length is plain
+    QFile file(path);
+    const qint64 line = (size.width() * 3 + 3) / 4 * 4;
+    return file.open(QIODevice::WriteOnly) && file.write(header) == header.size()
+        && file.resize(header.size() + line * size.height());
+}
+
 QString cannotLoad(const QString &path)
 {
     return QStringLiteral("Cannot load %1.").arg(path);
@@ -272,6 +331,16 @@ private slots:
     void theCaptureDateIsWhenTheFileWasMade();
     void aChosenPictureSignalShowsThePicture();
 
+    void photosOfAnyCameraOpen_data();
+    void photosOfAnyCameraOpen();
+    void aPhotoThatCannotBeReadInPartOpens();
+    void absurdPhotosAreRefused_data();
+    void absurdPhotosAreRefused();
+
+    void photosStandUprightInAnyWindow_data();
+    void photosStandUprightInAnyWindow();
+    void thePromptPictureIsWholeInAnyWindow_data();
+    void thePromptPictureIsWholeInAnyWindow();
     void previewIsScaledIntoASquareOfThePreviewsHeight_data();
     void previewIsScaledIntoASquareOfThePreviewsHeight();
     void aPortraitIsTurnedClockwiseAfterTheDelay();
@@ -584,6 +653,150 @@ void tst_UploadMediaController::aChosenPictureSignalShowsThePicture()
     QVERIFY(driver.part<QFrame>("descriptionFrame")->isEnabled());
     emit driver.wizard->pictureIsChosen(driver.makeFile(QStringLiteral("clip.avi")), true);
     QCOMPARE(driver.preview().size(), driver.previewSize());
+}
+
+void tst_UploadMediaController::photosOfAnyCameraOpen_data()
+{
+    QTest::addColumn<QByteArray>("photo");
+    QTest::addColumn<QSize>("size");
+    const QSize upright(12288, 16384);
+    QTest::newRow("48 megapixels") << greyJpeg({8000, 6000}) << QSize(8000, 6000);
+    QTest::newRow("60 megapixels") << greyJpeg({9504, 6336}) << QSize(9504, 6336);
+    QTest::newRow("200 megapixels") << greyJpeg({16384, 12288}) << QSize(16384, 12288);
+    QTest::newRow("200 megapixels, upright") << greyJpeg(upright) << upright;
+    QTest::newRow("34 megapixels as PNG")
+        << png({6000, 5700}, QImage::Format_RGB888) << QSize(6000, 5700);
+}
+
+void tst_UploadMediaController::photosOfAnyCameraOpen()
+{
+    QFETCH(QByteArray, photo);
+    QFETCH(QSize, size);
+    constexpr qint64 enough = 64LL * 1024; // KiB
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    const QString path = driver.makeFile(QStringLiteral("photo.jpg"), photo);
+    const int side = driver.previewSize().height();
+    QSize shown = size.scaled(side, side, Qt::KeepAspectRatio);
+    if (size.height() > size.width())
+        shown.transpose(); // it lies on its side in the end
+
+    QVERIFY(resetPeakMemory());
+    const qint64 before = peakMemory();
+    emit driver.wizard->pictureIsChosen(path);
+    QCOMPARE(driver.lastBox(), QString());
+    QVERIFY(driver.part<QFrame>("descriptionFrame")->isEnabled());
+    QTRY_COMPARE(driver.preview().size(), shown);
+    const qint64 spent = peakMemory() - before;
+    QVERIFY2(spent < enough, QByteArray::number(spent).constData());
+}
+
+// More than the toolkit allows at first, and read whole by its reader.
+void tst_UploadMediaController::aPhotoThatCannotBeReadInPartOpens()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    const QString path = driver.window.folder.filePath(QStringLiteral("photo.bmp"));
+    const QSize size(8224, 8200);
+    QVERIFY(makeBmp(path, size));
+    const int limit = QImageReader::allocationLimit();
+    emit driver.wizard->pictureIsChosen(path);
+    QCOMPARE(driver.lastBox(), QString());
+    const int side = driver.previewSize().height();
+    QCOMPARE(driver.preview().size(), size.scaled(side, side, Qt::KeepAspectRatio));
+    QCOMPARE(QImageReader::allocationLimit(), limit);
+}
+
+void tst_UploadMediaController::absurdPhotosAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("photo");
+    QTest::newRow("JPEG") << greyJpeg({16384, 16384});
+    QTest::newRow("JPEG without its pixels") << greyJpeg({65000, 65000}).left(1000);
+    QTest::newRow("PNG") << png({16000, 16001}, QImage::Format_Mono);
+    QTest::newRow("PPM") << QByteArray("P6\n20000 20000\n255\n") + QByteArray(1000, 'x');
+}
+
+void tst_UploadMediaController::absurdPhotosAreRefused()
+{
+    QFETCH(QByteArray, photo);
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    const QString path = driver.makeFile(QStringLiteral("photo.jpg"), photo);
+    QVERIFY(resetPeakMemory());
+    const qint64 before = peakMemory();
+    driver.choose(path);
+    QCOMPARE(driver.window.dialogs.boxes().size(), 1);
+    QCOMPARE(driver.window.dialogs.boxes().at(0).title, QStringLiteral("kavlor media"));
+    QCOMPARE(driver.lastBox(), cannotLoad(path));
+    QVERIFY(!driver.part<QFrame>("descriptionFrame")->isEnabled());
+    QVERIFY(peakMemory() - before < 64LL * 1024);
+}
+
+void tst_UploadMediaController::photosStandUprightInAnyWindow_data()
+{
+    QTest::addColumn<QSize>("window"); // empty = maximised
+    QTest::addColumn<QSize>("photo");
+    for (const QSize &window : {QSize(800, 424), QSize(1280, 800), QSize(1920, 1080), QSize(),
+                                QSize(3840, 2160), QSize(900, 1600)}) {
+        const QByteArray name = window.isValid()
+            ? QByteArray::number(window.width()) + "x" + QByteArray::number(window.height())
+            : QByteArray("maximised");
+        QTest::newRow(name + ", landscape") << window << QSize(400, 300);
+        QTest::newRow(name + ", square") << window << QSize(300, 300);
+        QTest::newRow(name + ", portrait") << window << QSize(300, 400);
+    }
+}
+
+void tst_UploadMediaController::photosStandUprightInAnyWindow()
+{
+    QFETCH(QSize, window);
+    QFETCH(QSize, photo);
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    // The window system takes its time; the layout may still have to follow when it has.
+    if (!window.isValid()) {
+        driver.window.root()->showMaximized();
+        QTRY_VERIFY(driver.window.root()->height() > 424);
+    } else {
+        driver.window.root()->resize(window);
+    }
+    emit driver.wizard->pictureIsChosen(
+        driver.makePhoto(QStringLiteral("a.png"), photo.width(), photo.height()));
+    const bool isPortrait = photo.height() > photo.width();
+    // A portrait is turned, as it is in the small window; nothing else ever is.
+    QTest::qWait(2 * testTimeConstants().rotationDelay);
+    const QImage shown = driver.preview().toImage();
+    QCOMPARE(shown.height() < shown.width(), photo.height() != photo.width());
+    const QPoint red = isPortrait ? QPoint(shown.width() - 2, 1) : QPoint(1, 1);
+    QCOMPARE(shown.pixelColor(red), QColor(Qt::red));
+    QVERIFY(driver.previewSize().width() > driver.previewSize().height());
+    QCOMPARE(QRect(QPoint(), driver.previewSize()).united(shown.rect()).size(),
+             driver.previewSize());
+}
+
+void tst_UploadMediaController::thePromptPictureIsWholeInAnyWindow_data()
+{
+    QTest::addColumn<QSize>("window");
+    QTest::newRow("small") << QSize(800, 424);
+    QTest::newRow("1280 x 800") << QSize(1280, 800);
+    QTest::newRow("1920 x 1080") << QSize(1920, 1080);
+    QTest::newRow("3840 x 2160") << QSize(3840, 2160);
+    QTest::newRow("upright") << QSize(900, 1600);
+}
+
+void tst_UploadMediaController::thePromptPictureIsWholeInAnyWindow()
+{
+    QFETCH(QSize, window);
+    const QSize background = QImage(QStringLiteral(":/UploadBG.png")).size();
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    for (const QSize &size : {window, QSize(800, 424)}) {
+        driver.window.root()->resize(size);
+        QTRY_COMPARE(driver.wizard->width(), size.width());
+        QCoreApplication::processEvents(); // layouts follow
+        QCOMPARE(driver.preview().size(),
+                 background.scaled(driver.previewSize(), Qt::KeepAspectRatio));
+    }
 }
 
 void tst_UploadMediaController::previewIsScaledIntoASquareOfThePreviewsHeight_data()

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <QtGlobal>
+
+/** The most memory that this process has held since resetPeakMemory(), or ever; in KiB. */
+qint64 peakMemory();
+/** Lets the peak begin anew with what is held now. False where the system does not allow it. */
+bool resetPeakMemory();
