@@ -3,12 +3,11 @@
 #include "contentcolumn.h"
 #include "httptolvex.h"
 #include "kavloruser.h"
+#include "messagebox.h"
 #include "rootviewcontroller.h"
 #include "timeconstants.h"
 #include "ui_framecreateaccount.h"
 
-#include <QMessageBox>
-#include <QPointer>
 #include <QRegularExpression>
 
 namespace {
@@ -23,15 +22,6 @@ QString withReadableSize(QString html)
     static const QRegularExpression printSize(QStringLiteral("'\\s*font-size\\s*:\\s*10.0pt\\s*'"),
                                               QRegularExpression::UseUnicodePropertiesOption);
     return html.replace(printSize, QStringLiteral("'font-size:22.0pt'"));
-}
-
-// The box is not kept on the stack, since it goes with its frame if that goes while it is open.
-void showBox(QWidget *frame, QMessageBox::Icon icon, const QString &title, const QString &text)
-{
-    auto *box = new QMessageBox(icon, title, text, QMessageBox::Ok, frame);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setTextFormat(Qt::PlainText);
-    box->exec();
 }
 
 } // namespace
@@ -192,8 +182,8 @@ void FrameCreateAccount::ResponseReceived(const QString &aResponse, const QStrin
         accountAnswered(aResponse, aError);
         break;
     case NothingRequested:
-        showBox(this, QMessageBox::Information, tr("HTTP"),
-                tr("Unknown response received: %1 %2.").arg(aResponse, aError));
+        MessageBox::tell(this, QMessageBox::Information, tr("HTTP"),
+                         tr("Unknown response received: %1 %2.").arg(aResponse, aError));
         break;
     }
 }
@@ -226,11 +216,10 @@ void FrameCreateAccount::accountCreated(const QString &response)
 void FrameCreateAccount::accountRefused(const QString &response, const QString &error)
 {
     m_requestKind = NothingRequested;
-    const QPointer<FrameCreateAccount> self(this);
-    showBox(this, QMessageBox::NoIcon, QString(),
+    if (!MessageBox::tell(
+            this, QMessageBox::NoIcon, QString(),
             tr("kavlor experienced at least one error during record submission:\n%1\n%2")
-                .arg(error, response));
-    if (!self)
+                .arg(error, response)))
         return;
     m_ui->errorLabelText->setText(error);
     m_ui->tabWidget->setToolTip(response);

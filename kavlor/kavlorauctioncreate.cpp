@@ -1,9 +1,8 @@
 #include "kavlorauctioncreate.h"
 
+#include "messagebox.h"
 #include "rootviewcontroller.h"
 #include "ui_kavlorauctioncreate.h"
-
-#include <QMessageBox>
 
 CKavlorAuctionCreate::CKavlorAuctionCreate(int reserve, int buyItNow, int start, QWidget *parent)
     : QFrame(parent)
@@ -25,9 +24,10 @@ void CKavlorAuctionCreate::finalizeClicked()
     const int buyItNow = m_ui->buyItNowPrice->value();
     const int start = m_ui->startPrice->value();
     if (start == 0 || (reserve != 0 && reserve <= start)) {
-        QMessageBox box;
-        box.setText(tr("Start price must be lower than reserve price, if reserve price is set."));
-        box.exec();
+        MessageBox::tell(
+            this, QMessageBox::NoIcon, QString(),
+            tr("Start price must be lower than reserve price, if reserve price is set."),
+            MessageBox::ByItself);
         return;
     }
     emit finalized(reserve, buyItNow, start);

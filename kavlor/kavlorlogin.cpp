@@ -2,12 +2,10 @@
 
 #include "contentcolumn.h"
 #include "httptolvex.h"
+#include "messagebox.h"
 #include "rootviewcontroller.h"
 #include "servicehost.h"
 #include "ui_kavlorlogin.h"
-
-#include <QMessageBox>
-#include <QPointer>
 
 namespace {
 
@@ -70,9 +68,7 @@ void KavlorLogin::ValidationDone(const QString &aUnoOnSuccess, const QString &aE
         }
         m_ui->labelError->setText(tr("kavlor authentication failed."));
     } else {
-        const QPointer<KavlorLogin> self(this);
-        QMessageBox::information(window(), tr("Authentication failed:"), aError, QMessageBox::Ok);
-        if (!self)
+        if (!MessageBox::tell(this, QMessageBox::Information, tr("Authentication failed:"), aError))
             return;
     }
     setFormEnabled(true);

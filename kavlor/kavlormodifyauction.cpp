@@ -2,22 +2,8 @@
 
 #include "httptolvex.h"
 #include "kavloruser.h"
+#include "messagebox.h"
 #include "ui_kavlormodifyauction.h"
-
-#include <QMessageBox>
-#include <QPointer>
-
-namespace {
-
-// In a window of its own and as plain text, since the service's words are part of it.
-void tell(QMessageBox::Icon icon, const QString &text)
-{
-    QMessageBox box(icon, CKavlorModifyAuction::tr("My kavlor"), text, QMessageBox::Ok);
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
-}
-
-} // namespace
 
 CKavlorModifyAuction::CKavlorModifyAuction(CKavlorUser *user, int auctionId,
                                            const CAuctionRow &auction, QWidget *parent)
@@ -64,16 +50,16 @@ void CKavlorModifyAuction::requestIsFinished(const QString &response, const QStr
 {
     m_ui->done->setEnabled(true);
     if (!CHttpTolvex::succeeded(response, error)) {
-        tell(QMessageBox::Warning,
-             tr("One or more errors occured while updating auction.\n"
-                "Please find more info below.\n%1\n%2")
-                 .arg(response, error));
+        MessageBox::tell(this, QMessageBox::Warning, tr("My kavlor"),
+                         tr("One or more errors occured while updating auction.\n"
+                            "Please find more info below.\n%1\n%2")
+                             .arg(response, error),
+                         MessageBox::ByItself);
         return;
     }
 
     // The list may be left, and this frame with it, while the window is open.
-    const QPointer<CKavlorModifyAuction> self(this);
-    tell(QMessageBox::Information, tr("Your auction has been updated successfully."));
-    if (self)
+    if (MessageBox::tell(this, QMessageBox::Information, tr("My kavlor"),
+                         tr("Your auction has been updated successfully."), MessageBox::ByItself))
         emit done(m_auctionId, m_newReserve, m_newBuyItNow);
 }

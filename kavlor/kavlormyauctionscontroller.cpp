@@ -4,6 +4,7 @@
 #include "kavlormodifyauction.h"
 #include "kavlormyauctionsmodel.h"
 #include "kavloruser.h"
+#include "messagebox.h"
 #include "paintedcelldelegate.h"
 #include "paintedtableaccess.h"
 #include "rootviewcontroller.h"
@@ -11,7 +12,6 @@
 #include "ui_kavlormyauctionscontroller.h"
 
 #include <QHeaderView>
-#include <QMessageBox>
 #include <QScroller>
 #include <QShortcut>
 
@@ -146,8 +146,8 @@ void CKavlorMyAuctionsController::auctionClicked(const QModelIndex &index)
     const uint id = m_model->auctionId(index.row());
     const CAuctionRow auction = m_model->auction(id);
     if (auction.finished) {
-        QMessageBox::information(this, tr("My kavlor"),
-                                 tr("This auction can no longer be changed."), QMessageBox::Ok);
+        MessageBox::tell(this, QMessageBox::Information, tr("My kavlor"),
+                         tr("This auction can no longer be changed."));
         return;
     }
 

@@ -1,13 +1,12 @@
 #include "kavlorsplashwindow.h"
 
 #include "httptolvex.h"
+#include "messagebox.h"
 #include "progressivemodel.h"
 #include "rootviewcontroller.h"
 #include "timeconstants.h"
 #include "ui_kavlorsplashwindow.h"
 
-#include <QMessageBox>
-#include <QPointer>
 #include <QTimer>
 
 namespace {
@@ -76,13 +75,10 @@ void CKavlorSplashWindow::fail(const QString &error)
         emit initFails(); // closed by the member, who needs no more telling
         return;
     }
-    const QPointer<CKavlorSplashWindow> self(this);
-    QMessageBox box(m_root);
-    box.setText(tr("kavlor experienced an error contacting a server.\n"
-                   "Please check your network settings.\n\n%1")
-                    .arg(error));
-    box.exec();
-    if (!self)
+    if (!MessageBox::tell(this, QMessageBox::NoIcon, QString(),
+                          tr("kavlor experienced an error contacting a server.\n"
+                             "Please check your network settings.\n\n%1")
+                              .arg(error)))
         return;
     hide();
     emit initFails();

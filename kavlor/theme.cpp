@@ -23,3 +23,8 @@ QString themeStyleSheet()
 {
     return styleSheet(QStringLiteral("shared.qss")) + styleSheet(QStringLiteral("theme.qss"));
 }
+
+QString messageBoxStyleSheet()
+{
+    return themeStyleSheet() + styleSheet(QStringLiteral("messagebox.qss"));
+}

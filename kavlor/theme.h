@@ -15,3 +15,6 @@ QString rootStyleSheet();
  * the translucent panel, "error" on a label that tells a fault.
  */
 QString themeStyleSheet();
+
+/** For a message box, which may or may not have a frame with a style sheet of its own above it. */
+QString messageBoxStyleSheet();

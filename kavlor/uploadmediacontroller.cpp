@@ -7,6 +7,7 @@
 #include "kavlorauctionconfirm.h"
 #include "kavlorauctioncreate.h"
 #include "kavloruser.h"
+#include "messagebox.h"
 #include "progressivemodel.h"
 #include "rootviewcontroller.h"
 #include "timeconstants.h"
@@ -16,7 +17,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFocusEvent>
-#include <QMessageBox>
 #include <QPainter>
 #include <QPixmapCache>
 #include <QStandardPaths>
@@ -207,13 +207,9 @@ void CUploadMediaController::retire(QFrame *page)
     RootViewController::leave(page);
 }
 
-void CUploadMediaController::inform(const QString &text)
+bool CUploadMediaController::inform(const QString &text)
 {
-    // Not on the stack: a reply that comes meanwhile may end the wizard under it.
-    QPointer<QMessageBox> box =
-        new QMessageBox(QMessageBox::Information, tr("kavlor media"), text, QMessageBox::Ok, this);
-    box->exec();
-    delete box;
+    return MessageBox::tell(this, QMessageBox::Information, tr("kavlor media"), text);
 }
 
 void CUploadMediaController::chooseMediaClick()
@@ -380,9 +376,8 @@ void CUploadMediaController::descriptionPosChanged()
 void CUploadMediaController::doneClick()
 {
     if (m_captionEmpty) {
-        QMessageBox box;
-        box.setText(tr("Please enter a caption."));
-        box.exec();
+        MessageBox::tell(this, QMessageBox::NoIcon, QString(), tr("Please enter a caption."),
+                         MessageBox::ByItself);
         return;
     }
 
@@ -432,9 +427,7 @@ void CUploadMediaController::pricesSet(int aReserve, int aBuyItNow, int aStart)
 void CUploadMediaController::createAuction()
 {
     if (!m_request) {
-        const QPointer<CUploadMediaController> guard(this);
-        inform(tr("Cannot upload %1.").arg(m_record.mediaPath));
-        if (guard)
+        if (inform(tr("Cannot upload %1.").arg(m_record.mediaPath)))
             cancelClicked();
         return;
     }
@@ -459,10 +452,10 @@ void CUploadMediaController::requestDone(const QString &aResponse, const QString
     m_uploading = false;
 
     if (!CHttpTolvex::succeeded(aResponse, aError)) {
-        QMessageBox box;
-        box.setText(tr("Media uploading failed. Reason: %1%2").arg(aError, aResponse));
-        box.exec();
-        emit uploadCancel();
+        if (MessageBox::tell(this, QMessageBox::NoIcon, QString(),
+                             tr("Media uploading failed. Reason: %1%2").arg(aError, aResponse),
+                             MessageBox::ByItself))
+            emit uploadCancel();
         return;
     }
     if (!RootViewController::of(this))

@@ -70,7 +70,7 @@ private:
     void setPercentage(int percentage);
     void showPage(QFrame *page);
     void retire(QFrame *page);
-    void inform(const QString &text);
+    bool inform(const QString &text);
     QString startFolder() const;
     void settleLayout();
     void showPrompt();

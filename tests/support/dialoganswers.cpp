@@ -78,7 +78,9 @@ bool DialogAnswers::eventFilter(QObject *watched, QEvent *event)
 void DialogAnswers::answer(QObject *dialog)
 {
     if (auto *box = qobject_cast<QMessageBox *>(dialog)) {
-        m_boxes.append({box->windowTitle(), box->text()});
+        m_boxes.append({box->windowTitle(), box->text() + box->detailedText()});
+        if (!box->isVisible())
+            return; // answered by what came before the answer
         QAbstractButton *button = box->defaultButton();
         if (!button && !box->buttons().isEmpty())
             button = box->buttons().constFirst();

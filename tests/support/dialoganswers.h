@@ -20,7 +20,7 @@ public:
     struct Box
     {
         QString title;
-        QString text;
+        QString text; ///< all of it, also what stands in the details
     };
 
     explicit DialogAnswers(QObject *parent = nullptr);
@@ -28,7 +28,8 @@ public:
 
     /** The next file dialog gets @p path; an empty path cancels it. */
     void chooseFile(const QString &path);
-    /** Does @p action once the next dialog is there, before it is answered. */
+    /** Does @p action once the next dialog is there, before it is answered; it may answer itself.
+     */
     void beforeNextAnswer(const std::function<void()> &action);
 
     QList<Box> boxes() const;
