@@ -67,6 +67,7 @@ private slots:
     void connectedStates();
     void firstReportIsAlwaysPassedOn_data();
     void firstReportIsAlwaysPassedOn();
+    void shortReportCountsAsTheFirst();
     void repeatedReportIsSwallowed();
     void reportCarriesItsArgumentsUnchanged();
     void shortReportsAreSurvived_data();
@@ -204,6 +205,21 @@ void tst_Connector::firstReportIsAlwaysPassedOn()
     m_daemon->report(arguments);
     QTRY_COMPARE(changes.size(), 1);
     QCOMPARE(changes.first().first().toList(), arguments);
+}
+
+// What repeats state 0 after it tells nothing new.
+void tst_Connector::shortReportCountsAsTheFirst()
+{
+    make();
+    QSignalSpy changes(m_connector.get(), &CConnector::connectionStateChanged);
+    const QList<QVariant> search{QString(), 8U};
+    m_daemon->report(search);
+    m_daemon->report(StandInDaemon::stateArguments(0));
+    m_daemon->report(StandInDaemon::stateArguments(4));
+    QTRY_VERIFY(m_connector->isConnected());
+    QCOMPARE(changes.size(), 2);
+    QCOMPARE(changes.at(0).first().toList(), search);
+    QCOMPARE(changes.at(1).first().toList(), StandInDaemon::stateArguments(4));
 }
 
 void tst_Connector::repeatedReportIsSwallowed()

@@ -131,11 +131,14 @@ private slots:
     void timeOutAndTheLateReply();
     void cancelledWithATextItComesWithTheLateReply();
     void cancelTwiceIsOneResult();
+    void cancelledAgainWithATextTheLateReplyBringsIt();
     void uploadHasItsOwnTimeOut();
     void idleObjectReportsTheOldTimeOut();
     void refusedStatusSilencesTheTimeOut();
     void oldTimeOutCancelsALaterRequest();
     void afterATimeOutTheObjectSendsAgain();
+    void uploadAfterATimeOutIsANewRequest();
+    void newRequestDropsTheFileOfTheOneBefore();
 
     void everyRequestIsPostedOnce_data();
     void everyRequestIsPostedOnce();
@@ -154,6 +157,7 @@ private slots:
     void withoutConnectionManagerThereIsNoConnection();
     void connectionThatComesLetsTheRequestGo();
     void lostConnectionIsAskedForAgain();
+    void waitThatFailedDoesNotEndTheNext();
     void deletedWhileItWaits();
     void waitKeepsUserInputOutAndTimersAlive();
 
@@ -509,6 +513,19 @@ void tst_HttpTolvexOutcomes::cancelTwiceIsOneResult()
     QCOMPARE(m_log->size(), 1);
 }
 
+void tst_HttpTolvexOutcomes::cancelledAgainWithATextTheLateReplyBringsIt()
+{
+    m_service->expectHeld("ValidateLogin", "late");
+    getText(m_http.get());
+    QTRY_VERIFY(m_service->isHolding());
+    m_http->cancelRequest();
+    m_http->cancelRequest(QStringLiteral("changed my mind"));
+    QCOMPARE(m_log->size(), 1);
+    QVERIFY(m_service->release());
+    QTRY_COMPARE(m_log->size(), 2);
+    QCOMPARE(m_log->textAt(1), ResultLog::text(QString(), QStringLiteral("changed my mind")));
+}
+
 void tst_HttpTolvexOutcomes::uploadHasItsOwnTimeOut()
 {
     testTimeConstants().formTimeout = 1;
@@ -591,6 +608,36 @@ void tst_HttpTolvexOutcomes::afterATimeOutTheObjectSendsAgain()
     QVERIFY(m_service->release());
     QTRY_COMPARE(m_log->size(), 2);
     QCOMPARE(m_log->textAt(1), ResultLog::text(QStringLiteral("list"), QString()));
+}
+
+void tst_HttpTolvexOutcomes::uploadAfterATimeOutIsANewRequest()
+{
+    testTimeConstants().formTimeout = 100;
+    m_service->expectHeld("ValidateLogin", "late");
+    getText(m_http.get());
+    QTRY_COMPARE(m_log->size(), 1);
+    QCOMPARE(m_log->textAt(0), timeOut);
+
+    m_service->expect("CreateAuction", "4711");
+    upload(m_http.get());
+    QTRY_COMPARE(m_log->size(), 2);
+    QCOMPARE(m_log->textAt(1), ResultLog::text(QStringLiteral("4711"), QString()));
+}
+
+void tst_HttpTolvexOutcomes::newRequestDropsTheFileOfTheOneBefore()
+{
+    m_service->expectHeld("ValidateLogin", "late");
+    getText(m_http.get());
+    QTRY_VERIFY(m_service->isHolding());
+    m_http->cancelRequest();
+    const int filesOfOneRequest = temporaryFileCount();
+
+    m_service->expect("ValidateLogin", "17");
+    getText(m_http.get());
+    QCOMPARE(temporaryFileCount(), filesOfOneRequest);
+    QTRY_COMPARE(m_log->size(), 2);
+    QCOMPARE(m_log->textAt(1), ResultLog::text(QStringLiteral("17"), QString()));
+    QCOMPARE(temporaryFileCount(), m_filesBefore);
 }
 
 void tst_HttpTolvexOutcomes::everyRequestIsPostedOnce_data()
@@ -889,6 +936,25 @@ void tst_HttpTolvexOutcomes::lostConnectionIsAskedForAgain()
     getText(m_http.get());
     QCOMPARE(m_log->size(), 2);
     QCOMPARE(m_log->textAt(1), noConnection);
+}
+
+void tst_HttpTolvexOutcomes::waitThatFailedDoesNotEndTheNext()
+{
+    testTimeConstants().connectionWait = 100;
+    m_connector->reportState(OnlineConnector::Disconnected);
+    makeHttp();
+    expectToAskForAConnection();
+    getText(m_http.get());
+    QCOMPARE(m_log->size(), 1);
+    QCOMPARE(m_log->textAt(0), noConnection);
+
+    testTimeConstants().connectionWait = 10000;
+    expectToAskForAConnection();
+    QTimer::singleShot(0, this, [this] { m_connector->reportState(OnlineConnector::Connected); });
+    m_service->expect("ValidateLogin", "17");
+    getText(m_http.get());
+    QTRY_COMPARE(m_log->size(), 2);
+    QCOMPARE(m_log->textAt(1), ResultLog::text(QStringLiteral("17"), QString()));
 }
 
 void tst_HttpTolvexOutcomes::deletedWhileItWaits()

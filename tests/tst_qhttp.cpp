@@ -80,6 +80,7 @@ private slots:
     void abortWithNothingUnderWayIsSilent();
     void closeLetsTheTransferEndByItself();
     void anEarlierRequestIsNotHeardOfAnyMore();
+    void theReplyToAnEarlierRequestIsTakenWholeAndFreed();
     void anEarlierAbortedRequestIsNotHeardOfAnyMore();
     void brokenConnectionIsAnError_data();
     void brokenConnectionIsAnError();
@@ -516,6 +517,24 @@ void tst_QHttp::anEarlierRequestIsNotHeardOfAnyMore()
     QCOMPARE(other.data(), QByteArray("lateagain"));
     QCOMPARE(m_headers->size(), 2);
     QCOMPARE(m_sink->data(), QByteArray());
+}
+
+// The service gets rid of its reply, however large, and the connection does not stay.
+void tst_QHttp::theReplyToAnEarlierRequestIsTakenWholeAndFreed()
+{
+    const QByteArray large(32 * 1024 * 1024, 'x');
+    m_service->expectHeld("Echo", large);
+    m_service->expect("Echo", "late");
+    post();
+    QTRY_VERIFY(m_service->isHolding());
+    post();
+    QTRY_COMPARE(m_done->size(), 1);
+    QTRY_COMPARE(m_service->openConnectionCount(), 1);
+
+    QVERIFY(m_service->release());
+    QTRY_COMPARE_WITH_TIMEOUT(m_service->openConnectionCount(), 0, 30000);
+    QVERIFY(m_service->sentBytes() > large.size());
+    QCOMPARE(m_sink->data(), QByteArray("late"));
 }
 
 void tst_QHttp::anEarlierAbortedRequestIsNotHeardOfAnyMore()

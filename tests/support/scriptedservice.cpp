@@ -164,6 +164,16 @@ int ScriptedService::connectionCount() const
     return m_connectionCount;
 }
 
+int ScriptedService::openConnectionCount() const
+{
+    return static_cast<int>(m_connections.size());
+}
+
+qint64 ScriptedService::sentBytes() const
+{
+    return m_sentBytes;
+}
+
 bool ScriptedService::isDone() const
 {
     return m_problems.isEmpty() && m_steps.isEmpty();
@@ -186,6 +196,8 @@ void ScriptedService::accept()
         connection->number = m_connectionCount++;
         m_connections.append(connection);
         connect(socket, &QTcpSocket::readyRead, this, [this, connection] { read(connection); });
+        connect(socket, &QTcpSocket::bytesWritten, this,
+                [this](qint64 bytes) { m_sentBytes += bytes; });
         connect(socket, &QTcpSocket::disconnected, this, [this, connection] {
             m_connections.removeOne(connection);
             m_holding.removeAll(connection);

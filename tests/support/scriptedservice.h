@@ -87,6 +87,9 @@ public:
     QList<Request> requests() const;
     QList<QByteArray> operations() const;
     int connectionCount() const;
+    int openConnectionCount() const;
+    /** How many bytes of all replies have left for the client. */
+    qint64 sentBytes() const;
 
     bool isDone() const;
     /** What went against the script, for a failure message. */
@@ -113,5 +116,6 @@ private:
     QList<Connection *> m_holding;
     QList<QByteArray> m_problems;
     int m_connectionCount = 0;
+    qint64 m_sentBytes = 0;
     mutable QByteArray m_report;
 };
