@@ -13,7 +13,6 @@
 #include <QCursor>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTemporaryFile>
@@ -164,7 +163,6 @@ private slots:
 private:
     void expect(const QByteArray &bytes, ScriptedService::Then then = ScriptedService::KeepOpen);
     void upload(CHttpTolvex *http, qint64 size = 1024LL * 1024);
-    void expectToAskForAConnection();
     void makeHttp();
 
     QTemporaryDir m_folder;
@@ -215,13 +213,6 @@ void tst_HttpTolvexOutcomes::upload(CHttpTolvex *http, qint64 size)
     CAuctionRecord auction;
     auction.mediaPath = media.fileName();
     http->createAuction(CKavlorUser(nullptr, nullptr, true, CKavlorUser::defaultFields()), auction);
-}
-
-// The connection manager looks for the member's choice, and no settings daemon is there.
-void tst_HttpTolvexOutcomes::expectToAskForAConnection()
-{
-    QTest::ignoreMessage(QtWarningMsg,
-                         QRegularExpression(QStringLiteral("unable to find key: .*auto_connect")));
 }
 
 void tst_HttpTolvexOutcomes::reply_data()
@@ -884,7 +875,6 @@ void tst_HttpTolvexOutcomes::connectionThatNeverComesIsOneResultAndNoTraffic()
     testTimeConstants().connectionWait = 100;
     m_connector->reportState(state);
     makeHttp();
-    expectToAskForAConnection();
     QElapsedTimer timer;
     timer.start();
     if (isUpload)
@@ -913,7 +903,6 @@ void tst_HttpTolvexOutcomes::connectionThatComesLetsTheRequestGo()
 {
     m_connector->reportState(OnlineConnector::Connecting);
     makeHttp();
-    expectToAskForAConnection();
     QTimer::singleShot(50, this, [this] {
         QCOMPARE(m_service->connectionCount(), 0);
         QCOMPARE(temporaryFileCount(), m_filesBefore);
@@ -932,7 +921,6 @@ void tst_HttpTolvexOutcomes::lostConnectionIsAskedForAgain()
     getText(m_http.get());
     QTRY_COMPARE(m_log->size(), 1);
     m_connector->reportState(OnlineConnector::Disconnected);
-    expectToAskForAConnection();
     getText(m_http.get());
     QCOMPARE(m_log->size(), 2);
     QCOMPARE(m_log->textAt(1), noConnection);
@@ -943,13 +931,11 @@ void tst_HttpTolvexOutcomes::waitThatFailedDoesNotEndTheNext()
     testTimeConstants().connectionWait = 100;
     m_connector->reportState(OnlineConnector::Disconnected);
     makeHttp();
-    expectToAskForAConnection();
     getText(m_http.get());
     QCOMPARE(m_log->size(), 1);
     QCOMPARE(m_log->textAt(0), noConnection);
 
     testTimeConstants().connectionWait = 10000;
-    expectToAskForAConnection();
     QTimer::singleShot(0, this, [this] { m_connector->reportState(OnlineConnector::Connected); });
     m_service->expect("ValidateLogin", "17");
     getText(m_http.get());
@@ -961,7 +947,6 @@ void tst_HttpTolvexOutcomes::deletedWhileItWaits()
 {
     m_connector->reportState(OnlineConnector::Disconnected);
     makeHttp();
-    expectToAskForAConnection();
     QTimer::singleShot(20, this, [this] { m_http.reset(); });
     getText(m_http.get());
     QVERIFY(!m_http);
@@ -985,7 +970,6 @@ void tst_HttpTolvexOutcomes::waitKeepsUserInputOutAndTimersAlive()
     ticker.start(10);
 
     // The platform hands in the mouse's way over the window; it waits until input is let in.
-    expectToAskForAConnection();
     QCursor::setPos(window.mapToGlobal(QPoint(50, 50)));
     QCursor::setPos(window.mapToGlobal(QPoint(60, 60)));
     getText(m_http.get());
