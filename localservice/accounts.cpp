@@ -28,49 +28,56 @@ const FieldRule accountFields[] = {
     {"TwitterPassword", 50, false, false},
 };
 
-// An empty text, or what is wrong with one field.
-QString fault(const FieldRule &rule, const QString &value)
+Result<void> checkField(const FieldRule &rule, const QString &value)
 {
     static const QRegularExpression address(QStringLiteral("[\\w.]+@[\\w.]+"),
                                             QRegularExpression::UseUnicodePropertiesOption);
     const QString name = QLatin1String(rule.name);
     if (value.size() > rule.limit)
-        return QStringLiteral("%1 is longer than %2 characters").arg(name).arg(rule.limit);
+        return refused(QStringLiteral("%1 is longer than %2 characters").arg(name).arg(rule.limit));
     if (rule.isMandatory && value.isEmpty())
-        return QStringLiteral("%1 is missing").arg(name);
+        return refused(QStringLiteral("%1 is missing").arg(name));
     if (rule.isAddress && !value.isEmpty() && !address.match(value).hasMatch())
-        return QStringLiteral("%1 is no e-mail address").arg(name);
+        return refused(QStringLiteral("%1 is no e-mail address").arg(name));
     return {};
 }
 
-QString passwordFault(const QString &password1, const QString &password2)
+Result<void> checkPasswords(const QString &password1, const QString &password2)
 {
     if (password1.isEmpty())
-        return QStringLiteral("the password is missing");
-    if (password1.size() > maxPassword)
-        return QStringLiteral("the password is longer than %1 characters").arg(maxPassword);
+        return refused(QStringLiteral("the password is missing"));
+    if (password1.size() > maxPassword) {
+        return refused(
+            QStringLiteral("the password is longer than %1 characters").arg(maxPassword));
+    }
     if (password1 != password2)
-        return QStringLiteral("the two passwords differ");
+        return refused(QStringLiteral("the two passwords differ"));
     return {};
 }
 
-QString accountFault(const FormBody &form)
+Result<void> checkAccount(const FormBody &form)
 {
     for (const FieldRule &rule : accountFields) {
-        const QString found = fault(rule, form.text(QLatin1String(rule.name)));
-        if (!found.isEmpty())
-            return found;
+        const Result<void> checked = checkField(rule, form.text(QLatin1String(rule.name)));
+        if (!checked.isOk())
+            return checked;
     }
     const QString gender = form.text(QStringLiteral("Gender"));
     if (!gender.isEmpty() && gender != QLatin1String("M") && gender != QLatin1String("F"))
-        return QStringLiteral("Gender is neither M nor F");
-    return passwordFault(form.text(QStringLiteral("Password1")),
-                         form.text(QStringLiteral("Password2")));
+        return refused(QStringLiteral("Gender is neither M nor F"));
+    return checkPasswords(form.text(QStringLiteral("Password1")),
+                          form.text(QStringLiteral("Password2")));
 }
 
-QString notStored()
+// Whom a link that is still good belongs to; 0 = it is not.
+Result<qint64> memberOfLink(Database::Session &session, const QByteArray &secret)
 {
-    return QStringLiteral("the service could not store this");
+    const Result<Database::Rows> found = session.select(
+        QStringLiteral("SELECT member FROM password_links WHERE secret = ? AND expires > ?"),
+        {QString::fromLatin1(fingerprint(secret)), QDateTime::currentSecsSinceEpoch()});
+    if (!found.isOk())
+        return found.failure();
+    return found.value().value(0).value(0).toLongLong();
 }
 
 } // namespace
@@ -80,149 +87,156 @@ Accounts::Accounts(Database &database)
 {
 }
 
-qint64 Accounts::login(const QString &username, const QString &password)
+Result<qint64> Accounts::login(const QString &username, const QString &password)
 {
-    qint64 member = 0;
-    QByteArray hash;
-    {
-        Database::Session session(m_database);
-        QSqlQuery query = session.run(
-            QStringLiteral("SELECT id, password_hash FROM members WHERE username = ?"), {username});
-        if (query.next()) {
-            member = query.value(0).toLongLong();
-            hash = query.value(1).toByteArray();
-        }
-    }
-    return isPassword(hash, password) ? member : 0;
+    const Result<Database::Rows> found = Database::Session(m_database)
+                                             .select(QStringLiteral("SELECT id, password_hash FROM "
+                                                                    "members WHERE username = ?"),
+                                                     {username});
+    if (!found.isOk())
+        return found.failure();
+    const Database::Row known = found.value().value(0);
+    const Result<bool> isRight = isPassword(known.value(1).toByteArray(), password);
+    if (!isRight.isOk())
+        return isRight.failure();
+    return isRight.value() ? known.value(0).toLongLong() : 0;
 }
 
 Result<qint64> Accounts::create(const FormBody &form)
 {
-    const QString found = accountFault(form);
-    if (!found.isEmpty())
-        return Result<qint64>::failed(found);
-    const QByteArray hash = hashPassword(form.text(QStringLiteral("Password1")));
-    if (hash.isEmpty())
-        return Result<qint64>::failed(notStored());
+    const Result<void> checked = checkAccount(form);
+    if (!checked.isOk())
+        return checked.failure();
+    const Result<QByteArray> hash = hashPassword(form.text(QStringLiteral("Password1")));
+    if (!hash.isOk())
+        return hash.failure();
 
     const QString username = form.text(QStringLiteral("Username"));
-    Database::Session session(m_database);
-    QSqlQuery taken =
-        session.run(QStringLiteral("SELECT id FROM members WHERE username = ?"), {username});
-    if (taken.next())
-        return Result<qint64>::failed(QStringLiteral("the user name is taken"));
-    const QSqlQuery added = session.run(
+    Database::Session session(m_database, Database::Writing);
+    const Result<Database::Rows> taken =
+        session.select(QStringLiteral("SELECT id FROM members WHERE username = ?"), {username});
+    if (!taken.isOk())
+        return taken.failure();
+    if (!taken.value().isEmpty())
+        return refused(QStringLiteral("the user name is taken"));
+    session.change(
         QStringLiteral("INSERT INTO members (username, password_hash, first_name, last_name, email,"
                        " paypal, country, gender, language, twitter_name)"
                        " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
-        {username, QString::fromLatin1(hash), form.text(QStringLiteral("FirstName")),
+        {username, QString::fromLatin1(hash.value()), form.text(QStringLiteral("FirstName")),
          form.text(QStringLiteral("LastName")), form.text(QStringLiteral("EmailAddress")),
          form.text(QStringLiteral("PaypalAddress")), form.text(QStringLiteral("CountryID")),
          form.text(QStringLiteral("Gender")), form.text(QStringLiteral("Language")),
          form.text(QStringLiteral("TwitterUsername"))});
-    const qint64 member = added.lastInsertId().toLongLong();
-    return session.commit() ? Result<qint64>{member, {}} : Result<qint64>::failed(notStored());
+    const qint64 member = session.addedRow();
+    const Result<void> stored = session.commit();
+    return stored.isOk() ? Result<qint64>(member) : stored.failure();
 }
 
 Result<qint64> Accounts::modify(const FormBody &form)
 {
-    const qint64 member =
+    const Result<qint64> member =
         login(form.text(QStringLiteral("Username")), form.text(QStringLiteral("Password")));
-    if (member == 0)
-        return Result<qint64>::failed(QStringLiteral("wrong user name or password"));
-    const QString found = accountFault(form);
-    if (!found.isEmpty())
-        return Result<qint64>::failed(found);
-    const QByteArray hash = hashPassword(form.text(QStringLiteral("Password1")));
-    if (hash.isEmpty())
-        return Result<qint64>::failed(notStored());
+    if (!member.isOk())
+        return member;
+    if (member.value() == 0)
+        return refused(QStringLiteral("wrong user name or password"));
+    const Result<void> checked = checkAccount(form);
+    if (!checked.isOk())
+        return checked.failure();
+    const Result<QByteArray> hash = hashPassword(form.text(QStringLiteral("Password1")));
+    if (!hash.isOk())
+        return hash.failure();
 
-    Database::Session session(m_database);
-    session.run(
+    Database::Session session(m_database, Database::Writing);
+    session.change(
         QStringLiteral("UPDATE members SET password_hash = ?, email = ?, paypal = ? WHERE id = ?"),
-        {QString::fromLatin1(hash), form.text(QStringLiteral("EmailAddress")),
-         form.text(QStringLiteral("PaypalAddress")), member});
-    return session.commit() ? Result<qint64>{member, {}} : Result<qint64>::failed(notStored());
+        {QString::fromLatin1(hash.value()), form.text(QStringLiteral("EmailAddress")),
+         form.text(QStringLiteral("PaypalAddress")), member.value()});
+    const Result<void> stored = session.commit();
+    return stored.isOk() ? member : stored.failure();
 }
 
-Accounts::AlertOptions Accounts::alertOptions(qint64 member)
+Result<Accounts::AlertOptions> Accounts::alertOptions(qint64 member)
 {
-    Database::Session session(m_database);
-    QSqlQuery query = session.run(
-        QStringLiteral("SELECT notify_bid, notify_end, notify_view, notify_question, email"
-                       " FROM members WHERE id = ?"),
-        {member});
-    if (!query.next())
-        return {};
-    return {query.value(0).toBool(), query.value(1).toBool(), query.value(2).toBool(),
-            query.value(3).toBool(), query.value(4).toString()};
+    const Result<Database::Rows> found =
+        Database::Session(m_database)
+            .select(QStringLiteral("SELECT notify_bid, notify_end, notify_view, notify_question,"
+                                   " email FROM members WHERE id = ?"),
+                    {member});
+    if (!found.isOk())
+        return found.failure();
+    if (found.value().isEmpty())
+        return refused(QStringLiteral("there is no such member"));
+    const Database::Row row = found.value().first();
+    return AlertOptions{row.at(0).toBool(), row.at(1).toBool(), row.at(2).toBool(),
+                        row.at(3).toBool(), row.at(4).toString()};
 }
 
-bool Accounts::setAlertOptions(qint64 member, const AlertOptions &options)
+Result<void> Accounts::setAlertOptions(qint64 member, const AlertOptions &options)
 {
-    Database::Session session(m_database);
-    session.run(QStringLiteral("UPDATE members SET notify_bid = ?, notify_end = ?, notify_view = ?,"
-                               " notify_question = ? WHERE id = ?"),
-                {int(options.onBid), int(options.onAuctionEnd), int(options.onView),
-                 int(options.onBuyerQuestion), member});
+    Database::Session session(m_database, Database::Writing);
+    session.change(
+        QStringLiteral("UPDATE members SET notify_bid = ?, notify_end = ?, notify_view = ?,"
+                       " notify_question = ? WHERE id = ?"),
+        {int(options.onBid), int(options.onAuctionEnd), int(options.onView),
+         int(options.onBuyerQuestion), member});
     return session.commit();
 }
 
-void Accounts::mailPasswordLink(const QString &nameOrEmail, const QString &address)
+Result<void> Accounts::mailPasswordLink(const QString &nameOrEmail, const QString &address)
 {
     if (nameOrEmail.isEmpty())
-        return;
+        return {};
     const qint64 now = QDateTime::currentSecsSinceEpoch();
-    Database::Session session(m_database);
-    session.run(QStringLiteral("DELETE FROM password_links WHERE expires <= ?"), {now});
-    QSqlQuery members = session.run(
+    Database::Session session(m_database, Database::Writing);
+    session.change(QStringLiteral("DELETE FROM password_links WHERE expires <= ?"), {now});
+    const Result<Database::Rows> members = session.select(
         QStringLiteral("SELECT id, username, email FROM members WHERE username = ? OR email = ?"),
         {nameOrEmail, nameOrEmail});
-    while (members.next()) {
+    if (!members.isOk())
+        return members.failure();
+    for (const Database::Row &member : members.value()) {
         const QByteArray secret = randomName();
-        session.run(
+        session.change(
             QStringLiteral("INSERT INTO password_links (secret, member, expires) VALUES (?, ?, ?)"),
-            {QString::fromLatin1(fingerprint(secret)), members.value(0), now + linkSeconds});
+            {QString::fromLatin1(fingerprint(secret)), member.at(0), now + linkSeconds});
         MailOutbox::send(
-            session, members.value(2).toString(), QStringLiteral("Your new password"),
+            session, member.at(2).toString(), QStringLiteral("Your new password"),
             QStringLiteral(
                 "Hello %1,\n\nsomebody, probably you, asked for a new password. Choose one "
                 "here within the hour:\n\n%2\n\nIf it was not you, nothing has changed and "
                 "there is nothing to do.\n")
-                .arg(members.value(1).toString(), address + QString::fromLatin1(secret)));
+                .arg(member.at(1).toString(), address + QString::fromLatin1(secret)));
     }
-    session.commit();
+    return session.commit();
 }
 
-bool Accounts::isPasswordLink(const QByteArray &secret)
+Result<bool> Accounts::isPasswordLink(const QByteArray &secret)
 {
     Database::Session session(m_database);
-    QSqlQuery link = session.run(
-        QStringLiteral("SELECT member FROM password_links WHERE secret = ? AND expires > ?"),
-        {QString::fromLatin1(fingerprint(secret)), QDateTime::currentSecsSinceEpoch()});
-    return link.next();
+    const Result<qint64> member = memberOfLink(session, secret);
+    return member.isOk() ? Result<bool>(member.value() != 0) : member.failure();
 }
 
-QString Accounts::setPassword(const QByteArray &secret, const QString &password1,
-                              const QString &password2)
+Result<void> Accounts::setPassword(const QByteArray &secret, const QString &password1,
+                                   const QString &password2)
 {
-    const QString found = passwordFault(password1, password2);
-    if (!found.isEmpty())
-        return found;
-    const QByteArray hash = hashPassword(password1);
-    if (hash.isEmpty())
-        return notStored();
+    const Result<void> checked = checkPasswords(password1, password2);
+    if (!checked.isOk())
+        return checked;
+    const Result<QByteArray> hash = hashPassword(password1);
+    if (!hash.isOk())
+        return hash.failure();
 
-    Database::Session session(m_database);
-    QSqlQuery link = session.run(
-        QStringLiteral("SELECT member FROM password_links WHERE secret = ? AND expires > ?"),
-        {QString::fromLatin1(fingerprint(secret)), QDateTime::currentSecsSinceEpoch()});
-    if (!link.next())
-        return QStringLiteral("this link has been used or is too old");
-    const qint64 member = link.value(0).toLongLong();
-    link.finish();
-    session.run(QStringLiteral("UPDATE members SET password_hash = ? WHERE id = ?"),
-                {QString::fromLatin1(hash), member});
-    session.run(QStringLiteral("DELETE FROM password_links WHERE member = ?"), {member});
-    return session.commit() ? QString() : notStored();
+    Database::Session session(m_database, Database::Writing);
+    const Result<qint64> member = memberOfLink(session, secret);
+    if (!member.isOk())
+        return member.failure();
+    if (member.value() == 0)
+        return refused(QStringLiteral("this link has been used or is too old"));
+    session.change(QStringLiteral("UPDATE members SET password_hash = ? WHERE id = ?"),
+                   {QString::fromLatin1(hash.value()), member.value()});
+    session.change(QStringLiteral("DELETE FROM password_links WHERE member = ?"), {member.value()});
+    return session.commit();
 }

@@ -7,8 +7,8 @@
 /**
  * The members: their accounts, logins and alert options.
  *
- * A member is known by a number from 1 on. Passwords are kept only as hashes. Errors are reasons
- * in words; with one, nothing was changed.
+ * A member is known by a number from 1 on. Passwords are kept only as hashes. With a failure
+ * nothing was changed.
  */
 class Accounts
 {
@@ -24,28 +24,28 @@ public:
 
     explicit Accounts(Database &database);
 
-    /** The member whose user name and password these are, or 0. */
-    qint64 login(const QString &username, const QString &password);
+    /** The member whose user name and password these are; 0 = they are nobody's. */
+    Result<qint64> login(const QString &username, const QString &password);
 
     /** A new member from the fields of an account form; the member's number. */
     Result<qint64> create(const FormBody &form);
     /** New e-mail, payment address and password for the member who logs in with the form. */
     Result<qint64> modify(const FormBody &form);
 
-    AlertOptions alertOptions(qint64 member);
-    bool setAlertOptions(qint64 member, const AlertOptions &options);
+    Result<AlertOptions> alertOptions(qint64 member);
+    Result<void> setAlertOptions(qint64 member, const AlertOptions &options);
 
     /**
      * Mails a link for a new password to the members with this user name or e-mail address; the
      * link is @p address followed by its secret. What comes back does not tell whether there are
      * any.
      */
-    void mailPasswordLink(const QString &nameOrEmail, const QString &address);
+    Result<void> mailPasswordLink(const QString &nameOrEmail, const QString &address);
     /** Whether a link's secret would be taken now. */
-    bool isPasswordLink(const QByteArray &secret);
-    /** Sets a password by a link's secret, which is then used up; an empty text, or the reason. */
-    QString setPassword(const QByteArray &secret, const QString &password1,
-                        const QString &password2);
+    Result<bool> isPasswordLink(const QByteArray &secret);
+    /** Sets a password by a link's secret, which is then used up. */
+    Result<void> setPassword(const QByteArray &secret, const QString &password1,
+                             const QString &password2);
 
 private:
     Database &m_database;

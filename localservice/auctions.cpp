@@ -16,36 +16,34 @@ qint64 now()
     return QDateTime::currentSecsSinceEpoch();
 }
 
-QString notStored()
-{
-    return QStringLiteral("the service could not store this");
-}
-
 bool isPrice(qint64 price)
 {
     return price >= 0 && price <= Auctions::maxPrice;
 }
 
-QString priceFault(qint64 startPrice, qint64 reservePrice, qint64 buyPrice)
+Result<void> checkPrices(qint64 startPrice, qint64 reservePrice, qint64 buyPrice)
 {
-    if (startPrice < 1 || !isPrice(startPrice))
-        return QStringLiteral("the start price must be from 1 to %1 US dollars")
-            .arg(Auctions::maxPrice);
-    if (!isPrice(reservePrice) || !isPrice(buyPrice))
-        return QStringLiteral("prices must be whole US dollars up to %1").arg(Auctions::maxPrice);
+    if (startPrice < 1 || !isPrice(startPrice)) {
+        return refused(QStringLiteral("the start price must be from 1 to %1 US dollars")
+                           .arg(Auctions::maxPrice));
+    }
+    if (!isPrice(reservePrice) || !isPrice(buyPrice)) {
+        return refused(
+            QStringLiteral("prices must be whole US dollars up to %1").arg(Auctions::maxPrice));
+    }
     if (reservePrice != 0 && reservePrice <= startPrice)
-        return QStringLiteral("the reserve price must be above the start price");
+        return refused(QStringLiteral("the reserve price must be above the start price"));
     return {};
 }
 
-QString buyerFault(const Auctions::Buyer &buyer)
+Result<void> checkBuyer(const Auctions::Buyer &buyer)
 {
     static const QRegularExpression address(QStringLiteral("\\A[^\\s@]+@[^\\s@]+\\z"),
                                             QRegularExpression::UseUnicodePropertiesOption);
     if (buyer.name.isEmpty() || buyer.name.size() > 100)
-        return QStringLiteral("please give your name, in at most 100 characters");
+        return refused(QStringLiteral("please give your name, in at most 100 characters"));
     if (buyer.email.size() > 80 || !address.match(buyer.email).hasMatch())
-        return QStringLiteral("please give your e-mail address, in at most 80 characters");
+        return refused(QStringLiteral("please give your e-mail address, in at most 80 characters"));
     return {};
 }
 
@@ -68,50 +66,59 @@ QString auctionQuery(const QString &condition)
         + condition;
 }
 
-QList<Auctions::Auction> readAuctions(QSqlQuery &query)
+Auctions::Auction fromRow(const Database::Row &row)
 {
+    Auctions::Auction auction;
+    auction.id = row.at(0).toLongLong();
+    auction.member = row.at(1).toLongLong();
+    auction.seller = row.at(2).toString();
+    auction.category = row.at(3).toLongLong();
+    auction.title = row.at(4).toString();
+    auction.description = row.at(5).toString();
+    auction.media = row.at(6).toString();
+    auction.startPrice = row.at(7).toLongLong();
+    auction.reservePrice = row.at(8).toLongLong();
+    auction.buyPrice = row.at(9).toLongLong();
+    auction.ends = QDateTime::fromSecsSinceEpoch(row.at(10).toLongLong());
+    auction.state = stateOf(row.at(11).toString());
+    auction.views = row.at(12).toLongLong();
+    auction.soldPrice = row.at(13).toLongLong();
+    auction.bids = row.at(14).toLongLong();
+    auction.highestBid = row.at(15).toLongLong();
+    return auction;
+}
+
+Result<QList<Auctions::Auction>> readAuctions(Database::Session &session, const QString &condition,
+                                              const QVariantList &values)
+{
+    const Result<Database::Rows> rows = session.select(auctionQuery(condition), values);
+    if (!rows.isOk())
+        return rows.failure();
     QList<Auctions::Auction> found;
-    while (query.next()) {
-        Auctions::Auction auction;
-        auction.id = query.value(0).toLongLong();
-        auction.member = query.value(1).toLongLong();
-        auction.seller = query.value(2).toString();
-        auction.category = query.value(3).toLongLong();
-        auction.title = query.value(4).toString();
-        auction.description = query.value(5).toString();
-        auction.media = query.value(6).toString();
-        auction.startPrice = query.value(7).toLongLong();
-        auction.reservePrice = query.value(8).toLongLong();
-        auction.buyPrice = query.value(9).toLongLong();
-        auction.ends = QDateTime::fromSecsSinceEpoch(query.value(10).toLongLong());
-        auction.state = stateOf(query.value(11).toString());
-        auction.views = query.value(12).toLongLong();
-        auction.soldPrice = query.value(13).toLongLong();
-        auction.bids = query.value(14).toLongLong();
-        auction.highestBid = query.value(15).toLongLong();
-        found.append(auction);
-    }
+    for (const Database::Row &row : rows.value())
+        found.append(fromRow(row));
     return found;
 }
 
-Auctions::Auction readAuction(Database::Session &session, qint64 id)
+Result<Auctions::Auction> readAuction(Database::Session &session, qint64 id)
 {
-    QSqlQuery query = session.run(auctionQuery(QStringLiteral("WHERE a.id = ?")), {id});
-    const QList<Auctions::Auction> found = readAuctions(query);
-    return found.isEmpty() ? Auctions::Auction() : found.first();
+    const Result<QList<Auctions::Auction>> found =
+        readAuctions(session, QStringLiteral("WHERE a.id = ?"), {id});
+    return found.isOk() ? Result<Auctions::Auction>(found.value().value(0)) : found.failure();
 }
 
-// Mails the seller, if his options (a column of the members' table) ask for it.
+// Mails the seller, if his options (a column of the members' table) ask for it. A failure is kept
+// by the session.
 void alertSeller(Database::Session &session, const Auctions::Auction &auction, const char *option,
                  const QString &subject, const QString &text)
 {
-    QSqlQuery seller =
-        session.run(QStringLiteral("SELECT email FROM members WHERE id = ? AND %1 <> 0")
-                        .arg(QLatin1String(option)),
-                    {auction.member});
-    if (!seller.next())
+    const Result<Database::Rows> seller =
+        session.select(QStringLiteral("SELECT email FROM members WHERE id = ? AND %1 <> 0")
+                           .arg(QLatin1String(option)),
+                       {auction.member});
+    if (!seller.isOk() || seller.value().isEmpty())
         return;
-    MailOutbox::send(session, seller.value(0).toString(), subject,
+    MailOutbox::send(session, seller.value().first().first().toString(), subject,
                      QStringLiteral("Hello %1,\n\n%2\n\nAuction %3: %4\n")
                          .arg(auction.seller, text, QString::number(auction.id), auction.title));
 }
@@ -119,7 +126,7 @@ void alertSeller(Database::Session &session, const Auctions::Auction &auction, c
 void sell(Database::Session &session, const Auctions::Auction &auction,
           const Auctions::Buyer &buyer, qint64 price)
 {
-    session.run(
+    session.change(
         QStringLiteral(
             "UPDATE auctions SET state = 'sold', sold_price = ?, buyer = ? WHERE id = ?"),
         {price, buyer.name + QStringLiteral(" <") + buyer.email + QLatin1Char('>'), auction.id});
@@ -130,7 +137,8 @@ void sell(Database::Session &session, const Auctions::Auction &auction,
 
 void endUnsold(Database::Session &session, const Auctions::Auction &auction)
 {
-    session.run(QStringLiteral("UPDATE auctions SET state = 'unsold' WHERE id = ?"), {auction.id});
+    session.change(QStringLiteral("UPDATE auctions SET state = 'unsold' WHERE id = ?"),
+                   {auction.id});
     alertSeller(session, auction, "notify_end", QStringLiteral("Your auction has ended"),
                 auction.bids == 0
                     ? QStringLiteral("your auction has ended without a bid.")
@@ -144,13 +152,14 @@ void end(Database::Session &session, const Auctions::Auction &auction)
         endUnsold(session, auction);
         return;
     }
-    QSqlQuery best = session.run(
+    const Result<Database::Rows> best = session.select(
         QStringLiteral(
             "SELECT bidder, email FROM bids WHERE auction = ? ORDER BY amount DESC LIMIT 1"),
         {auction.id});
-    if (best.next())
-        sell(session, auction, {best.value(0).toString(), best.value(1).toString()},
-             auction.highestBid);
+    if (!best.isOk() || best.value().isEmpty())
+        return;
+    const Database::Row bidder = best.value().first();
+    sell(session, auction, {bidder.at(0).toString(), bidder.at(1).toString()}, auction.highestBid);
 }
 
 } // namespace
@@ -167,7 +176,12 @@ bool Auctions::Auction::isReserveMet() const
 
 bool Auctions::Auction::isBuyable() const
 {
-    return state == Running && buyPrice > highestBid;
+    return isOpen() && buyPrice > highestBid;
+}
+
+bool Auctions::Auction::isOpen() const
+{
+    return id != 0 && state == Running && ends > QDateTime::currentDateTime();
 }
 
 qint64 Auctions::Auction::lowestNextBid() const
@@ -180,26 +194,28 @@ Auctions::Auctions(Database &database)
 {
 }
 
-QString Auctions::fault(const NewAuction &auction)
+Result<void> Auctions::check(const NewAuction &auction)
 {
     static const QRegularExpression fourteenDigits(QStringLiteral("\\A[0-9]{14}\\z"));
     if (!isCategory(auction.category))
-        return QStringLiteral("the category is unknown");
+        return refused(QStringLiteral("the category is unknown"));
     if (auction.title.trimmed().isEmpty())
-        return QStringLiteral("the caption is missing");
+        return refused(QStringLiteral("the caption is missing"));
     if (auction.title.size() > maxTitle)
-        return QStringLiteral("the caption is longer than %1 characters").arg(maxTitle);
-    if (auction.description.size() > maxDescription)
-        return QStringLiteral("the description is longer than %1 characters").arg(maxDescription);
+        return refused(QStringLiteral("the caption is longer than %1 characters").arg(maxTitle));
+    if (auction.description.size() > maxDescription) {
+        return refused(
+            QStringLiteral("the description is longer than %1 characters").arg(maxDescription));
+    }
     if (!auction.captured.isEmpty() && !fourteenDigits.match(auction.captured).hasMatch())
-        return QStringLiteral("the capture date is broken");
-    return priceFault(auction.startPrice, auction.reservePrice, auction.buyPrice);
+        return refused(QStringLiteral("the capture date is broken"));
+    return checkPrices(auction.startPrice, auction.reservePrice, auction.buyPrice);
 }
 
 Result<qint64> Auctions::create(const NewAuction &auction, const QString &media)
 {
-    Database::Session session(m_database);
-    const QSqlQuery added = session.run(
+    Database::Session session(m_database, Database::Writing);
+    session.change(
         QStringLiteral(
             "INSERT INTO auctions (member, category, title, description, captured, media,"
             " start_price, reserve_price, buy_price, created, ends)"
@@ -207,159 +223,203 @@ Result<qint64> Auctions::create(const NewAuction &auction, const QString &media)
         {auction.member, auction.category, auction.title, auction.description, auction.captured,
          media, auction.startPrice, auction.reservePrice, auction.buyPrice, now(),
          now() + runningSeconds});
-    const qint64 id = added.lastInsertId().toLongLong();
-    return session.commit() ? Result<qint64>{id, {}} : Result<qint64>::failed(notStored());
+    const qint64 id = session.addedRow();
+    const Result<void> stored = session.commit();
+    return stored.isOk() ? Result<qint64>(id) : stored.failure();
 }
 
-QString Auctions::changePrices(qint64 member, qint64 id, qint64 reservePrice, qint64 buyPrice)
+Result<void> Auctions::changePrices(qint64 member, qint64 id, qint64 reservePrice, qint64 buyPrice)
 {
-    endDue();
-    Database::Session session(m_database);
-    const Auction found = readAuction(session, id);
-    if (found.id == 0 || found.member != member)
-        return QStringLiteral("this is no auction of yours");
-    if (found.state != Running)
-        return QStringLiteral("the auction has ended and can no longer be changed");
-    const QString wrong = priceFault(found.startPrice, reservePrice, buyPrice);
-    if (!wrong.isEmpty())
-        return wrong;
-    session.run(QStringLiteral("UPDATE auctions SET reserve_price = ?, buy_price = ? WHERE id = ?"),
-                {reservePrice, buyPrice, id});
-    return session.commit() ? QString() : notStored();
+    const Result<void> ended = endDue();
+    if (!ended.isOk())
+        return ended;
+    Database::Session session(m_database, Database::Writing);
+    const Result<Auction> found = readAuction(session, id);
+    if (!found.isOk())
+        return found.failure();
+    const Auction &auction = found.value();
+    if (auction.id == 0 || auction.member != member)
+        return refused(QStringLiteral("this is no auction of yours"));
+    if (!auction.isOpen())
+        return refused(QStringLiteral("the auction has ended and can no longer be changed"));
+    const Result<void> checked = checkPrices(auction.startPrice, reservePrice, buyPrice);
+    if (!checked.isOk())
+        return checked;
+    session.change(
+        QStringLiteral("UPDATE auctions SET reserve_price = ?, buy_price = ? WHERE id = ?"),
+        {reservePrice, buyPrice, id});
+    return session.commit();
 }
 
-QList<Auctions::Auction> Auctions::select(const QString &condition, const QVariantList &values)
+Result<QList<Auctions::Auction>> Auctions::select(const QString &condition,
+                                                  const QVariantList &values)
 {
-    endDue();
+    const Result<void> ended = endDue();
+    if (!ended.isOk())
+        return ended.failure();
     Database::Session session(m_database);
-    QSqlQuery query = session.run(auctionQuery(condition), values);
-    return readAuctions(query);
+    return readAuctions(session, condition, values);
 }
 
-QList<Auctions::Auction> Auctions::ofMember(qint64 member)
+Result<QList<Auctions::Auction>> Auctions::ofMember(qint64 member)
 {
     return select(QStringLiteral("WHERE a.member = ? ORDER BY a.id DESC"), {member});
 }
 
-QList<Auctions::Auction> Auctions::onSale()
+Result<QList<Auctions::Auction>> Auctions::onSale()
 {
     return select(QStringLiteral("WHERE a.state = 'running' ORDER BY a.ends, a.id"), {});
 }
 
-QList<Auctions::Auction> Auctions::recentlyEnded(int most)
+Result<QList<Auctions::Auction>> Auctions::recentlyEnded(int most)
 {
     return select(
         QStringLiteral("WHERE a.state <> 'running' ORDER BY a.ends DESC, a.id DESC LIMIT ?"),
         {most});
 }
 
-Auctions::Auction Auctions::auction(qint64 id)
+Result<Auctions::Auction> Auctions::auction(qint64 id)
 {
-    endDue();
-    Database::Session session(m_database);
-    return readAuction(session, id);
+    const Result<QList<Auction>> found = select(QStringLiteral("WHERE a.id = ?"), {id});
+    return found.isOk() ? Result<Auction>(found.value().value(0)) : found.failure();
 }
 
-QList<Auctions::Bid> Auctions::bids(qint64 auction)
+Result<QList<Auctions::Bid>> Auctions::bids(qint64 auction)
 {
-    Database::Session session(m_database);
-    QSqlQuery query = session.run(
-        QStringLiteral(
-            "SELECT bidder, amount, placed FROM bids WHERE auction = ? ORDER BY amount DESC"),
-        {auction});
+    const Result<Database::Rows> rows =
+        Database::Session(m_database)
+            .select(QStringLiteral("SELECT bidder, amount, placed FROM bids WHERE auction = ?"
+                                   " ORDER BY amount DESC"),
+                    {auction});
+    if (!rows.isOk())
+        return rows.failure();
     QList<Bid> found;
-    while (query.next()) {
-        found.append({query.value(0).toString(), query.value(1).toLongLong(),
-                      QDateTime::fromSecsSinceEpoch(query.value(2).toLongLong())});
+    for (const Database::Row &row : rows.value()) {
+        found.append({row.at(0).toString(), row.at(1).toLongLong(),
+                      QDateTime::fromSecsSinceEpoch(row.at(2).toLongLong())});
     }
     return found;
 }
 
-QStringList Auctions::allMedia()
+Result<QStringList> Auctions::allMedia()
 {
-    Database::Session session(m_database);
-    QSqlQuery query = session.run(QStringLiteral("SELECT media FROM auctions"));
+    const Result<Database::Rows> rows =
+        Database::Session(m_database).select(QStringLiteral("SELECT media FROM auctions"));
+    if (!rows.isOk())
+        return rows.failure();
     QStringList names;
-    while (query.next())
-        names.append(query.value(0).toString());
+    for (const Database::Row &row : rows.value())
+        names.append(row.first().toString());
     return names;
 }
 
-void Auctions::countView(qint64 id)
+Result<void> Auctions::countView(qint64 id)
 {
-    Database::Session session(m_database);
-    const Auction found = readAuction(session, id);
-    if (found.id == 0)
-        return;
-    session.run(QStringLiteral("UPDATE auctions SET views = views + 1 WHERE id = ?"), {id});
-    alertSeller(session, found, "notify_view", QStringLiteral("Your auction has been viewed"),
+    Database::Session session(m_database, Database::Writing);
+    const Result<Auction> found = readAuction(session, id);
+    if (!found.isOk())
+        return found.failure();
+    if (found.value().id == 0)
+        return {};
+    session.change(QStringLiteral("UPDATE auctions SET views = views + 1 WHERE id = ?"), {id});
+    alertSeller(session, found.value(), "notify_view",
+                QStringLiteral("Your auction has been viewed"),
                 QStringLiteral("somebody is looking at your auction."));
-    session.commit();
+    return session.commit();
 }
 
-QString Auctions::bid(qint64 id, const Buyer &buyer, qint64 amount)
+Result<void> Auctions::bid(qint64 id, const Buyer &buyer, qint64 amount)
 {
-    endDue();
-    Database::Session session(m_database);
-    const Auction found = readAuction(session, id);
-    if (found.state != Running || found.id == 0)
-        return QStringLiteral("this auction has ended");
-    const QString wrong = buyerFault(buyer);
-    if (!wrong.isEmpty())
-        return wrong;
-    if (!isPrice(amount) || amount < found.lowestNextBid()) {
-        return QStringLiteral("please bid at least USD %1, in whole US dollars")
-            .arg(found.lowestNextBid());
+    const Result<void> ended = endDue();
+    if (!ended.isOk())
+        return ended;
+    Database::Session session(m_database, Database::Writing);
+    const Result<Auction> found = readAuction(session, id);
+    if (!found.isOk())
+        return found.failure();
+    const Auction &auction = found.value();
+    if (!auction.isOpen())
+        return refused(QStringLiteral("this auction has ended"));
+    const Result<void> checked = checkBuyer(buyer);
+    if (!checked.isOk())
+        return checked;
+    if (!isPrice(amount) || amount < auction.lowestNextBid()) {
+        return refused(QStringLiteral("please bid at least USD %1, in whole US dollars")
+                           .arg(auction.lowestNextBid()));
     }
-    session.run(
+    session.change(
         QStringLiteral(
             "INSERT INTO bids (auction, bidder, email, amount, placed) VALUES (?, ?, ?, ?, ?)"),
         {id, buyer.name, buyer.email, amount, now()});
     alertSeller(
-        session, found, "notify_bid", QStringLiteral("A bid on your auction"),
+        session, auction, "notify_bid", QStringLiteral("A bid on your auction"),
         QStringLiteral("%1 bids USD %2 on your auction.").arg(buyer.name, QString::number(amount)));
-    return session.commit() ? QString() : notStored();
+    return session.commit();
 }
 
-QString Auctions::buyNow(qint64 id, const Buyer &buyer)
+Result<void> Auctions::buyNow(qint64 id, const Buyer &buyer)
 {
-    endDue();
-    Database::Session session(m_database);
-    const Auction found = readAuction(session, id);
-    if (found.id == 0 || !found.isBuyable())
-        return QStringLiteral("this auction can no longer be bought at once");
-    const QString wrong = buyerFault(buyer);
-    if (!wrong.isEmpty())
-        return wrong;
-    sell(session, found, buyer, found.buyPrice);
-    session.run(QStringLiteral("UPDATE auctions SET ends = ? WHERE id = ?"), {now(), id});
-    return session.commit() ? QString() : notStored();
+    const Result<void> ended = endDue();
+    if (!ended.isOk())
+        return ended;
+    Database::Session session(m_database, Database::Writing);
+    const Result<Auction> found = readAuction(session, id);
+    if (!found.isOk())
+        return found.failure();
+    const Auction &auction = found.value();
+    if (!auction.isBuyable())
+        return refused(QStringLiteral("this auction can no longer be bought at once"));
+    const Result<void> checked = checkBuyer(buyer);
+    if (!checked.isOk())
+        return checked;
+    sell(session, auction, buyer, auction.buyPrice);
+    session.change(QStringLiteral("UPDATE auctions SET ends = ? WHERE id = ?"), {now(), id});
+    return session.commit();
 }
 
-QString Auctions::ask(qint64 id, const Buyer &buyer, const QString &question)
+Result<void> Auctions::ask(qint64 id, const Buyer &buyer, const QString &question)
 {
-    Database::Session session(m_database);
-    const Auction found = readAuction(session, id);
-    if (found.id == 0)
-        return QStringLiteral("there is no such auction");
-    const QString wrong = buyerFault(buyer);
-    if (!wrong.isEmpty())
-        return wrong;
-    if (question.trimmed().isEmpty() || question.size() > maxQuestion)
-        return QStringLiteral("please write a question of at most %1 characters").arg(maxQuestion);
-    alertSeller(session, found, "notify_question", QStringLiteral("A question about your auction"),
+    Database::Session session(m_database, Database::Writing);
+    const Result<Auction> found = readAuction(session, id);
+    if (!found.isOk())
+        return found.failure();
+    if (found.value().id == 0)
+        return refused(QStringLiteral("there is no such auction"));
+    const Result<void> checked = checkBuyer(buyer);
+    if (!checked.isOk())
+        return checked;
+    if (question.trimmed().isEmpty() || question.size() > maxQuestion) {
+        return refused(
+            QStringLiteral("please write a question of at most %1 characters").arg(maxQuestion));
+    }
+    alertSeller(session, found.value(), "notify_question",
+                QStringLiteral("A question about your auction"),
                 QStringLiteral("%1 (%2) asks:\n\n%3").arg(buyer.name, buyer.email, question));
-    return session.commit() ? QString() : notStored();
+    return session.commit();
 }
 
-void Auctions::endDue()
+Result<void> Auctions::endDue()
 {
-    Database::Session session(m_database);
-    QSqlQuery query = session.run(
-        auctionQuery(QStringLiteral("WHERE a.state = 'running' AND a.ends <= ?")), {now()});
-    const QList<Auction> due = readAuctions(query);
-    for (const Auction &auction : due)
+    const Result<Database::Rows> due =
+        Database::Session(m_database)
+            .select(QStringLiteral(
+                        "SELECT 1 FROM auctions WHERE state = 'running' AND ends <= ? LIMIT 1"),
+                    {now()});
+    if (!due.isOk())
+        return due.failure();
+    if (!due.value().isEmpty())
+        (void)recordEnds();
+    return {};
+}
+
+Result<void> Auctions::recordEnds()
+{
+    Database::Session session(m_database, Database::Writing);
+    const Result<QList<Auction>> due =
+        readAuctions(session, QStringLiteral("WHERE a.state = 'running' AND a.ends <= ?"), {now()});
+    if (!due.isOk())
+        return due.failure();
+    for (const Auction &auction : due.value())
         end(session, auction);
-    if (!due.isEmpty())
-        session.commit();
+    return session.commit();
 }

@@ -13,8 +13,7 @@
  *
  * Prices are whole US dollars; 0 = not set. Every operation first ends the auctions whose time is
  * up: one with a bid that meets its reserve is sold to the highest bidder, another ends unsold.
- * The seller is alerted by mail of what he chose to hear of. Errors are reasons in words; with
- * one, nothing was changed.
+ * The seller is alerted by mail of what he chose to hear of. With a failure nothing was changed.
  */
 class Auctions
 {
@@ -60,6 +59,8 @@ public:
         /** False also when there is no reserve to meet. */
         bool isReserveMet() const;
         bool isBuyable() const;
+        /** Whether it still takes bids. */
+        bool isOpen() const;
         qint64 lowestNextBid() const;
     };
 
@@ -78,30 +79,35 @@ public:
 
     explicit Auctions(Database &database);
 
-    /** An empty text, or what is wrong with the auction's own fields. */
-    static QString fault(const NewAuction &auction);
+    /** Whether the auction's own fields are as they should be. */
+    static Result<void> check(const NewAuction &auction);
     /** Puts an auction whose media is already in the data folder on sale; its number. */
     Result<qint64> create(const NewAuction &auction, const QString &media);
-    /** New prices for a running auction of this member; an empty text, or the reason. */
-    QString changePrices(qint64 member, qint64 auction, qint64 reservePrice, qint64 buyPrice);
+    /** New prices for a running auction of this member. */
+    Result<void> changePrices(qint64 member, qint64 auction, qint64 reservePrice, qint64 buyPrice);
 
-    QList<Auction> ofMember(qint64 member);
-    QList<Auction> onSale();
-    QList<Auction> recentlyEnded(int most);
-    Auction auction(qint64 id);
-    QList<Bid> bids(qint64 auction);
-    QStringList allMedia();
+    Result<QList<Auction>> ofMember(qint64 member);
+    Result<QList<Auction>> onSale();
+    Result<QList<Auction>> recentlyEnded(int most);
+    /** The auction with this number; one with number 0 = there is none. */
+    Result<Auction> auction(qint64 id);
+    Result<QList<Bid>> bids(qint64 auction);
+    Result<QStringList> allMedia();
 
-    void countView(qint64 auction);
-    QString bid(qint64 auction, const Buyer &buyer, qint64 amount);
-    QString buyNow(qint64 auction, const Buyer &buyer);
-    QString ask(qint64 auction, const Buyer &buyer, const QString &question);
+    Result<void> countView(qint64 auction);
+    Result<void> bid(qint64 auction, const Buyer &buyer, qint64 amount);
+    Result<void> buyNow(qint64 auction, const Buyer &buyer);
+    Result<void> ask(qint64 auction, const Buyer &buyer, const QString &question);
 
-    /** Ends the auctions whose time is up. */
-    void endDue();
+    /**
+     * Ends the auctions whose time is up. When that cannot be recorded just now they are shown as
+     * they were, but take no bid any more; it fails only when the records cannot be read.
+     */
+    Result<void> endDue();
 
 private:
-    QList<Auction> select(const QString &condition, const QVariantList &values);
+    Result<QList<Auction>> select(const QString &condition, const QVariantList &values);
+    Result<void> recordEnds();
 
     Database &m_database;
 };

@@ -38,39 +38,45 @@ void AuctionUpload::feed(const QByteArray &bytes)
 
 Operations::Reply AuctionUpload::finish(bool isWhole)
 {
-    m_reader.finish();
-    if (!isWhole && m_reader.error().isEmpty())
-        return Operations::refusal(QStringLiteral("the upload was cut short"));
-    const QString wrong = fault();
-    if (!wrong.isEmpty())
-        return Operations::refusal(wrong);
-
-    Auctions::NewAuction created = auction();
-    created.member = m_accounts.login(m_reader.fields().text(QStringLiteral("Username")),
-                                      m_reader.fields().text(QStringLiteral("Password")));
-    if (created.member == 0)
-        return Operations::refusal(QStringLiteral("wrong user name or password"));
-
-    const QString media = m_folder.publish(*m_media, mediaExtension(m_reader.mediaName()));
-    if (media.isEmpty())
-        return Operations::refusal(QStringLiteral("the media could not be stored"));
-    const Result<qint64> stored = m_auctions.create(created, media);
-    if (!stored.isOk()) {
-        m_folder.removeMedia(media);
-        return Operations::refusal(stored.error);
-    }
-    return Operations::number(stored.value);
+    return Operations::number(store(isWhole));
 }
 
-QString AuctionUpload::fault() const
+Result<qint64> AuctionUpload::store(bool isWhole)
+{
+    m_reader.finish();
+    if (!isWhole && m_reader.error().isEmpty())
+        return refused(QStringLiteral("the upload was cut short"));
+    const Result<void> checked = check();
+    if (!checked.isOk())
+        return checked.failure();
+
+    Auctions::NewAuction created = auction();
+    const Result<qint64> member =
+        m_accounts.login(m_reader.fields().text(QStringLiteral("Username")),
+                         m_reader.fields().text(QStringLiteral("Password")));
+    if (!member.isOk())
+        return member;
+    if (member.value() == 0)
+        return refused(QStringLiteral("wrong user name or password"));
+    created.member = member.value();
+
+    const Result<QString> media = m_folder.publish(*m_media, mediaExtension(m_reader.mediaName()));
+    if (!media.isOk())
+        return media.failure();
+    // If this fails the media stays: a commit that was refused may still have reached the disk, and
+    // only the next start can tell whether there is an auction that names it.
+    return m_auctions.create(created, media.value());
+}
+
+Result<void> AuctionUpload::check() const
 {
     if (!m_reader.error().isEmpty())
-        return m_reader.error();
+        return refused(m_reader.error());
     if (!m_reader.hasMedia() || m_reader.mediaBytes() == 0)
-        return QStringLiteral("the media is missing");
+        return refused(QStringLiteral("the media is missing"));
     if (mediaExtension(m_reader.mediaName()).isEmpty())
-        return QStringLiteral("the service does not take this kind of media");
-    return Auctions::fault(auction());
+        return refused(QStringLiteral("the service does not take this kind of media"));
+    return Auctions::check(auction());
 }
 
 Auctions::NewAuction AuctionUpload::auction() const

@@ -28,7 +28,8 @@ public:
     Operations::Reply finish(bool isWhole);
 
 private:
-    QString fault() const;
+    Result<qint64> store(bool isWhole);
+    Result<void> check() const;
     Auctions::NewAuction auction() const;
 
     Accounts &m_accounts;

@@ -68,10 +68,10 @@ Result<QByteArray> readWhole(const httplib::ContentReader &reader)
             body.append(bytes);
     });
     if (isTooLong)
-        return Result<QByteArray>::failed(QStringLiteral("the request is too long"));
+        return refused(QStringLiteral("the request is too long"));
     if (!isWhole)
-        return Result<QByteArray>::failed(QStringLiteral("the request was cut short"));
-    return {body, {}};
+        return refused(QStringLiteral("the request was cut short"));
+    return body;
 }
 
 void sendFile(const QString &path, const QByteArray &type, httplib::Response &response)
@@ -204,7 +204,7 @@ void HttpService::answerPost(const httplib::Request &request, httplib::Response 
         return;
     }
     WebSite::Request asked = siteRequest(request);
-    asked.form = FormBody::fromUrlEncoded(body.value);
+    asked.form = FormBody::fromUrlEncoded(body.value());
     sendSiteReply(m_site.answer(asked), response);
 }
 
@@ -213,8 +213,8 @@ Operations::Reply HttpService::readForm(const QString &operation,
 {
     const Result<QByteArray> body = readWhole(reader);
     if (!body.isOk())
-        return Operations::refusal(body.error);
-    return m_operations.answer(operation, FormBody::fromUrlEncoded(body.value));
+        return Operations::refusal(body.failure());
+    return m_operations.answer(operation, FormBody::fromUrlEncoded(body.value()));
 }
 
 Operations::Reply HttpService::readUpload(const httplib::Request &request,

@@ -12,25 +12,26 @@ MailOutbox::MailOutbox(Database &database)
 void MailOutbox::send(Database::Session &session, const QString &recipient, const QString &subject,
                       const QString &body)
 {
-    session.run(
+    session.change(
         QStringLiteral("INSERT INTO mails (recipient, subject, body, written) VALUES (?, ?, ?, ?)"),
         {recipient, subject, body, QDateTime::currentSecsSinceEpoch()});
-    session.run(QStringLiteral("DELETE FROM mails WHERE id <= (SELECT max(id) FROM mails) - ?"),
-                {keptMails});
+    session.change(QStringLiteral("DELETE FROM mails WHERE id <= (SELECT max(id) FROM mails) - ?"),
+                   {keptMails});
 }
 
-QList<MailOutbox::Mail> MailOutbox::newest(int most)
+Result<QList<MailOutbox::Mail>> MailOutbox::newest(int most)
 {
-    Database::Session session(m_database);
-    QSqlQuery query = session.run(
-        QStringLiteral(
-            "SELECT id, recipient, subject, body, written FROM mails ORDER BY id DESC LIMIT ?"),
-        {most});
+    const Result<Database::Rows> rows =
+        Database::Session(m_database)
+            .select(QStringLiteral("SELECT id, recipient, subject, body, written FROM mails"
+                                   " ORDER BY id DESC LIMIT ?"),
+                    {most});
+    if (!rows.isOk())
+        return rows.failure();
     QList<Mail> mails;
-    while (query.next()) {
-        mails.append({query.value(0).toLongLong(), query.value(1).toString(),
-                      query.value(2).toString(), query.value(3).toString(),
-                      QDateTime::fromSecsSinceEpoch(query.value(4).toLongLong())});
+    for (const Database::Row &row : rows.value()) {
+        mails.append({row.at(0).toLongLong(), row.at(1).toString(), row.at(2).toString(),
+                      row.at(3).toString(), QDateTime::fromSecsSinceEpoch(row.at(4).toLongLong())});
     }
     return mails;
 }

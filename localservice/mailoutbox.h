@@ -28,7 +28,7 @@ public:
     static void send(Database::Session &session, const QString &recipient, const QString &subject,
                      const QString &body);
     /** The newest mails, the newest first. */
-    QList<Mail> newest(int most);
+    Result<QList<Mail>> newest(int most);
 
 private:
     Database &m_database;

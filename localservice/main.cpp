@@ -21,10 +21,45 @@ namespace {
 
 enum ExitCode { Ended = 0, CannotServe = 1, BadOptions = 2 };
 
-int fail(ExitCode code, const QString &reason)
+void say(const QString &text)
 {
-    std::fprintf(stderr, "kavlor-localservice: %s\n", qPrintable(reason));
+    std::fprintf(stderr, "kavlor-localservice: %s\n", qPrintable(text));
+}
+
+int fail(ExitCode code, const Failure &failure)
+{
+    say(failure.reason);
     return code;
+}
+
+// One line each, whatever they are about.
+void sayWarning(QtMsgType, const QMessageLogContext &, const QString &text)
+{
+    say(text.simplified());
+}
+
+// The folder with its records, found whole. Only then is anything in it moved.
+Result<void> takeData(DataFolder &folder, Database &database, Auctions &auctions)
+{
+    const Result<void> taken = folder.open();
+    if (!taken.isOk())
+        return taken;
+    const Result<void> opened =
+        database.open(folder.isNew() ? Database::MayBeEmpty : Database::MustBeThere);
+    if (!opened.isOk())
+        return opened;
+    const Result<QStringList> named = auctions.allMedia();
+    if (!named.isOk())
+        return named.failure();
+    const Result<int> aside = folder.setAside(named.value());
+    if (!aside.isOk())
+        say(aside.failure().reason);
+    else if (aside.value() > 0)
+        say(QStringLiteral("%1 files that no auction names are now in lost/.").arg(aside.value()));
+    const Result<void> marked = folder.finishMaking();
+    if (!marked.isOk())
+        say(marked.failure().reason);
+    return {};
 }
 
 // Every thread started from now on leaves these to the main thread, which waits for them.
@@ -49,7 +84,7 @@ void serveUntil(HttpService &service, Auctions &auctions, const sigset_t &endSig
     std::fflush(stdout);
     const timespec pause{20, 0};
     while (sigtimedwait(&endSignals, nullptr, &pause) < 0)
-        auctions.endDue();
+        (void)auctions.endDue(); // the database has complained of a failure itself
     service.stop();
     server.join();
 }
@@ -62,43 +97,40 @@ int main(int argc, char *argv[])
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("kavlor-localservice"));
 
+    qInstallMessageHandler(sayWarning);
+
     const Result<Options> parsed = Options::parse(QCoreApplication::arguments());
     if (!parsed.isOk())
-        return fail(BadOptions, parsed.error);
-    const Options &options = parsed.value;
+        return fail(BadOptions, parsed.failure());
+    const Options &options = parsed.value();
     if (options.help) {
         std::fputs(qPrintable(Options::helpText()), stdout);
         return Ended;
     }
 
     if (!prepareSecrets())
-        return fail(CannotServe, QStringLiteral("there is no source of randomness"));
+        return fail(CannotServe, broken(QStringLiteral("there is no source of randomness")));
     DataFolder folder(options.dataFolder);
-    const QString folderError = folder.open();
-    if (!folderError.isEmpty())
-        return fail(CannotServe, folderError);
     Database database(folder.databasePath());
-    const QString databaseError = database.open();
-    if (!databaseError.isEmpty())
-        return fail(CannotServe, databaseError);
-
     Accounts accounts(database);
     Auctions auctions(database);
     Pictures pictures(folder);
     Operations operations(accounts, auctions, pictures, folder);
     MailOutbox outbox(database);
     WebSite site(accounts, auctions, outbox, pictures, folder);
-    folder.removeLeftovers(auctions.allMedia());
+    const Result<void> taken = takeData(folder, database, auctions);
+    if (!taken.isOk())
+        return fail(CannotServe, taken.failure());
     if (options.seed) {
-        const QString seedError = Seed(database, accounts, auctions, folder).plant();
-        if (!seedError.isEmpty())
-            return fail(CannotServe, seedError);
+        const Result<void> planted = Seed(database, accounts, auctions, folder).plant();
+        if (!planted.isOk())
+            return fail(CannotServe, planted.failure());
     }
 
     HttpService service(accounts, auctions, operations, site, folder, options.maxMediaBytes);
     const int port = service.bind(options.port);
     if (port == 0)
-        return fail(CannotServe, QStringLiteral("port %1 is in use").arg(options.port));
+        return fail(CannotServe, broken(QStringLiteral("port %1 is in use").arg(options.port)));
     serveUntil(service, auctions, endSignals, port);
     return Ended;
 }

@@ -4,6 +4,7 @@
 #include "mediatypes.h"
 #include "referencetexts.h"
 
+#include <QFileInfo>
 #include <QHash>
 #include <QRegularExpression>
 
@@ -14,7 +15,7 @@ namespace {
 QByteArray auctionLine(const Auctions::Auction &auction)
 {
     const qint64 metReserve = auction.isReserveMet() ? auction.reservePrice : -1;
-    const bool isOver = auction.state != Auctions::Running;
+    const bool isOver = !auction.isOpen();
     const QByteArrayList items{
         QByteArray::number(auction.id),
         Operations::item(auction.title),
@@ -48,14 +49,16 @@ Operations::Operations(Accounts &accounts, Auctions &auctions, Pictures &picture
 {
 }
 
-Operations::Reply Operations::refusal(const QString &reason)
+Operations::Reply Operations::refusal(const Failure &failure)
 {
-    return {"ERROR: " + reason.toUtf8(), "text/plain", {}};
+    return {"ERROR: " + failure.reason.toUtf8(), "text/plain", {}};
 }
 
-Operations::Reply Operations::number(qint64 number)
+Operations::Reply Operations::number(const Result<qint64> &number)
 {
-    return {QByteArray::number(number), "text/plain", {}};
+    if (!number.isOk())
+        return refusal(number.failure());
+    return {QByteArray::number(number.value()), "text/plain", {}};
 }
 
 QByteArray Operations::item(const QString &text)
@@ -92,31 +95,33 @@ Operations::Reply Operations::answer(const QString &operation, const FormBody &f
     };
     const Member forMember = forMembers.value(operation);
     if (!forMember)
-        return refusal(QStringLiteral("there is no such operation"));
-    const qint64 member = m_accounts.login(form.text(QStringLiteral("Username")),
-                                           form.text(QStringLiteral("Password")));
-    if (member == 0)
-        return refusal(QStringLiteral("wrong user name or password"));
-    return (this->*forMember)(member, form);
+        return refusal(refused(QStringLiteral("there is no such operation")));
+    const Result<qint64> member = m_accounts.login(form.text(QStringLiteral("Username")),
+                                                   form.text(QStringLiteral("Password")));
+    if (!member.isOk())
+        return refusal(member.failure());
+    if (member.value() == 0)
+        return refusal(refused(QStringLiteral("wrong user name or password")));
+    return (this->*forMember)(member.value(), form);
 }
 
 Operations::Reply Operations::validateLogin(const FormBody &form)
 {
-    const qint64 member = m_accounts.login(form.text(QStringLiteral("Username")),
-                                           form.text(QStringLiteral("Password")));
-    return number(member != 0 ? 1 : 0);
+    const Result<qint64> member = m_accounts.login(form.text(QStringLiteral("Username")),
+                                                   form.text(QStringLiteral("Password")));
+    if (!member.isOk())
+        return refusal(member.failure());
+    return number(member.value() != 0 ? 1 : 0);
 }
 
 Operations::Reply Operations::createAccount(const FormBody &form)
 {
-    const Result<qint64> created = m_accounts.create(form);
-    return created.isOk() ? number(created.value) : refusal(created.error);
+    return number(m_accounts.create(form));
 }
 
 Operations::Reply Operations::modifyAccount(const FormBody &form)
 {
-    const Result<qint64> modified = m_accounts.modify(form);
-    return modified.isOk() ? number(modified.value) : refusal(modified.error);
+    return number(m_accounts.modify(form));
 }
 
 Operations::Reply Operations::categories(qint64 member, const FormBody &form)
@@ -129,7 +134,10 @@ Operations::Reply Operations::categories(qint64 member, const FormBody &form)
 Operations::Reply Operations::notificationOptions(qint64 member, const FormBody &form)
 {
     Q_UNUSED(form)
-    const Accounts::AlertOptions options = m_accounts.alertOptions(member);
+    const Result<Accounts::AlertOptions> found = m_accounts.alertOptions(member);
+    if (!found.isOk())
+        return refusal(found.failure());
+    const Accounts::AlertOptions &options = found.value();
     const QByteArrayList items{
         QByteArray::number(int(options.onBid)), QByteArray::number(int(options.onAuctionEnd)),
         QByteArray::number(int(options.onView)), QByteArray::number(int(options.onBuyerQuestion)),
@@ -147,11 +155,10 @@ Operations::Reply Operations::setNotificationOptions(qint64 member, const FormBo
     const int onView = flag(form, "NotifyOnView");
     const int onQuestion = flag(form, "NotifyOnBuyerQuestion");
     if (onBid < 0 || onEnd < 0 || onView < 0 || onQuestion < 0)
-        return refusal(QStringLiteral("an alert option is neither 0 nor 1"));
+        return refusal(refused(QStringLiteral("an alert option is neither 0 nor 1")));
     const Accounts::AlertOptions options{onBid == 1, onEnd == 1, onView == 1, onQuestion == 1, {}};
-    if (!m_accounts.setAlertOptions(member, options))
-        return refusal(QStringLiteral("the service could not store this"));
-    return number(member);
+    const Result<void> stored = m_accounts.setAlertOptions(member, options);
+    return stored.isOk() ? number(member) : refusal(stored.failure());
 }
 
 Operations::Reply Operations::myAuctions(qint64 member, const FormBody &form)
@@ -159,8 +166,10 @@ Operations::Reply Operations::myAuctions(qint64 member, const FormBody &form)
     Q_UNUSED(form)
     QByteArray list = "AuctionID,Title,StartPrice,ReservePrice,BuyItNowPrice,CurrentPrice,EndDate,"
                       "IsOver,Views,Bids,MetReservePrice\n";
-    const QList<Auctions::Auction> auctions = m_auctions.ofMember(member);
-    for (const Auctions::Auction &auction : auctions)
+    const Result<QList<Auctions::Auction>> auctions = m_auctions.ofMember(member);
+    if (!auctions.isOk())
+        return refusal(auctions.failure());
+    for (const Auctions::Auction &auction : auctions.value())
         list += auctionLine(auction);
     return {list, "text/plain", {}};
 }
@@ -171,30 +180,36 @@ Operations::Reply Operations::modifyAuction(qint64 member, const FormBody &form)
         form.number(QStringLiteral("AuctionID"), std::numeric_limits<qint32>::max());
     const qint64 reservePrice = form.number(QStringLiteral("ReservePrice"), Auctions::maxPrice);
     const qint64 buyPrice = form.number(QStringLiteral("BuyItNowPrice"), Auctions::maxPrice);
-    const QString error = m_auctions.changePrices(member, auction, reservePrice, buyPrice);
-    return error.isEmpty() ? number(auction) : refusal(error);
+    const Result<void> changed = m_auctions.changePrices(member, auction, reservePrice, buyPrice);
+    return changed.isOk() ? number(auction) : refusal(changed.failure());
 }
 
-Auctions::Auction Operations::ownAuction(qint64 member, const FormBody &form)
+Result<Auctions::Auction> Operations::ownAuction(qint64 member, const FormBody &form)
 {
     const qint64 id = form.number(QStringLiteral("AuctionID"), std::numeric_limits<qint32>::max());
-    const Auctions::Auction auction = m_auctions.auction(id);
-    return auction.member == member ? auction : Auctions::Auction();
+    const Result<Auctions::Auction> auction = m_auctions.auction(id);
+    if (auction.isOk() && auction.value().member != member)
+        return refused(QStringLiteral("this is no auction of yours"));
+    return auction;
 }
 
 Operations::Reply Operations::thumbnail(qint64 member, const FormBody &form)
 {
-    const Auctions::Auction auction = ownAuction(member, form);
-    if (auction.id == 0)
-        return refusal(QStringLiteral("this is no auction of yours"));
-    const Pictures::Picture picture = m_pictures.thumbnail(auction.media, Pictures::thumbnailEdge);
+    const Result<Auctions::Auction> auction = ownAuction(member, form);
+    if (!auction.isOk())
+        return refusal(auction.failure());
+    const Pictures::Picture picture =
+        m_pictures.thumbnail(auction.value().media, Pictures::thumbnailEdge);
     return {picture.bytes, picture.type, {}};
 }
 
 Operations::Reply Operations::rawMedia(qint64 member, const FormBody &form)
 {
-    const Auctions::Auction auction = ownAuction(member, form);
-    if (auction.id == 0)
-        return refusal(QStringLiteral("this is no auction of yours"));
-    return {{}, mediaType(auction.media), m_folder.mediaPath(auction.media)};
+    const Result<Auctions::Auction> auction = ownAuction(member, form);
+    if (!auction.isOk())
+        return refusal(auction.failure());
+    const QString file = m_folder.mediaPath(auction.value().media);
+    if (!QFileInfo(file).isReadable())
+        return refusal(broken(QStringLiteral("the media cannot be read")));
+    return {{}, mediaType(auction.value().media), file};
 }

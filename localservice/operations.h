@@ -30,8 +30,9 @@ public:
 
     Reply answer(const QString &operation, const FormBody &form);
 
-    static Reply refusal(const QString &reason);
-    static Reply number(qint64 number);
+    static Reply refusal(const Failure &failure);
+    /** The number alone, or the refusal. */
+    static Reply number(const Result<qint64> &number);
     /** @p text as one item of a line: without commas, line ends and the word of a refusal. */
     static QByteArray item(const QString &text);
 
@@ -49,8 +50,8 @@ private:
     Reply thumbnail(qint64 member, const FormBody &form);
     Reply rawMedia(qint64 member, const FormBody &form);
 
-    /** An auction of this member named by the form; number 0 = none. */
-    Auctions::Auction ownAuction(qint64 member, const FormBody &form);
+    /** The auction named by the form, if it is this member's. */
+    Result<Auctions::Auction> ownAuction(qint64 member, const FormBody &form);
 
     Accounts &m_accounts;
     Auctions &m_auctions;

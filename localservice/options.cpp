@@ -31,13 +31,12 @@ void describe(QCommandLineParser &parser)
 
 Result<Options> Options::parse(const QStringList &arguments)
 {
-    using Failed = Result<Options>;
     QCommandLineParser parser;
     describe(parser);
     if (!parser.parse(arguments))
-        return Failed::failed(parser.errorText());
+        return refused(parser.errorText());
     if (!parser.positionalArguments().isEmpty()) {
-        return Failed::failed(
+        return refused(
             QStringLiteral("Unexpected argument '%1'.").arg(parser.positionalArguments().first()));
     }
 
@@ -46,19 +45,19 @@ Result<Options> Options::parse(const QStringList &arguments)
     const QString port = parser.value(QStringLiteral("port"));
     options.port = port.toUShort(&isNumber);
     if (!isNumber)
-        return Failed::failed(QStringLiteral("'%1' is no port number (0 to 65535).").arg(port));
+        return refused(QStringLiteral("'%1' is no port number (0 to 65535).").arg(port));
 
     const QString limit = parser.value(QStringLiteral("max-media"));
     options.maxMediaBytes = limit.toLongLong(&isNumber);
     if (!isNumber || options.maxMediaBytes < 1)
-        return Failed::failed(QStringLiteral("'%1' is no number of bytes.").arg(limit));
+        return refused(QStringLiteral("'%1' is no number of bytes.").arg(limit));
 
     options.dataFolder = parser.value(QStringLiteral("data"));
     if (options.dataFolder.isEmpty())
-        return Failed::failed(QStringLiteral("The data folder has no name."));
+        return refused(QStringLiteral("The data folder has no name."));
     options.seed = parser.isSet(QStringLiteral("seed"));
     options.help = parser.isSet(QStringLiteral("help"));
-    return {options, {}};
+    return options;
 }
 
 QString Options::helpText()

@@ -3,6 +3,7 @@
 #include <sodium.h>
 
 #include <array>
+#include <cerrno>
 #include <mutex>
 
 namespace {
@@ -26,6 +27,11 @@ std::mutex &hashing()
     return mutex;
 }
 
+Failure outOfMemory()
+{
+    return broken(QStringLiteral("the service is short of memory, please try again"));
+}
+
 const unsigned char *bytesOf(const QByteArray &text)
 {
     return reinterpret_cast<const unsigned char *>(text.constData());
@@ -38,7 +44,7 @@ bool prepareSecrets()
     return sodium_init() >= 0;
 }
 
-QByteArray hashPassword(const QString &password)
+Result<QByteArray> hashPassword(const QString &password)
 {
     const QByteArray secret = password.toUtf8();
     char hash[crypto_pwhash_STRBYTES] = {};
@@ -46,18 +52,25 @@ QByteArray hashPassword(const QString &password)
     const int failed =
         crypto_pwhash_str(hash, secret.constData(), quint64(secret.size()),
                           crypto_pwhash_OPSLIMIT_INTERACTIVE, crypto_pwhash_MEMLIMIT_INTERACTIVE);
-    return failed == 0 ? QByteArray(hash) : QByteArray();
+    if (failed != 0)
+        return outOfMemory();
+    return QByteArray(hash);
 }
 
-bool isPassword(const QByteArray &hash, const QString &password)
+Result<bool> isPassword(const QByteArray &hash, const QString &password)
 {
-    static const QByteArray nobodys = hashPassword(QString::fromLatin1(randomName()));
+    static const Result<QByteArray> nobodys = hashPassword(QString::fromLatin1(randomName()));
+    if (!nobodys.isOk())
+        return nobodys.failure();
     const QByteArray secret = password.toUtf8();
-    const QByteArray &checked = hash.isEmpty() ? nobodys : hash;
+    const QByteArray checked = hash.isEmpty() ? nobodys.value() : hash;
     const std::lock_guard<std::mutex> lock(hashing());
+    errno = 0;
     const bool matches =
         crypto_pwhash_str_verify(checked.constData(), secret.constData(), quint64(secret.size()))
         == 0;
+    if (!matches && errno == ENOMEM)
+        return outOfMemory();
     return matches && !hash.isEmpty();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "result.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -7,10 +9,10 @@
 
 bool prepareSecrets();
 
-/** The argon2id hash to keep in place of a password; empty when memory is short. */
-QByteArray hashPassword(const QString &password);
+/** The argon2id hash to keep in place of a password; fails when memory is short. */
+Result<QByteArray> hashPassword(const QString &password);
 /** Takes as long for an empty @p hash as for a real one, and says no. */
-bool isPassword(const QByteArray &hash, const QString &password);
+Result<bool> isPassword(const QByteArray &hash, const QString &password);
 
 /** 32 hexadecimal digits that nobody can guess. */
 QByteArray randomName();

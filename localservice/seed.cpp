@@ -42,13 +42,16 @@ Seed::Seed(Database &database, Accounts &accounts, Auctions &auctions, const Dat
 {
 }
 
-QString Seed::plant()
+Result<void> Seed::plant()
 {
-    if (isPlanted())
+    const Result<bool> planted = isPlanted();
+    if (!planted.isOk())
+        return planted.failure();
+    if (planted.value())
         return {};
     const Result<qint64> member = addMember();
     if (!member.isOk())
-        return member.error;
+        return member.failure();
 
     // The oldest first; a member's list shows them the other way round.
     const QList<Plot> plots{
@@ -131,17 +134,19 @@ QString Seed::plant()
          false},
     };
     for (const Plot &plot : plots) {
-        const QString error = addAuction(member.value, plot);
-        if (!error.isEmpty())
-            return error;
+        const Result<void> added = addAuction(member.value(), plot);
+        if (!added.isOk())
+            return added;
     }
     return {};
 }
 
-bool Seed::isPlanted()
+Result<bool> Seed::isPlanted()
 {
-    Database::Session session(m_database);
-    return session.run(QStringLiteral("SELECT id FROM members WHERE username = 'demo'")).next();
+    const Result<Database::Rows> found =
+        Database::Session(m_database)
+            .select(QStringLiteral("SELECT id FROM members WHERE username = 'demo'"));
+    return found.isOk() ? Result<bool>(!found.value().isEmpty()) : found.failure();
 }
 
 Result<qint64> Seed::addMember()
@@ -159,20 +164,20 @@ Result<qint64> Seed::addMember()
     return m_accounts.create(form);
 }
 
-QString Seed::addMedia(const Plot &plot)
+Result<QString> Seed::addMedia(const Plot &plot)
 {
     const auto file = m_folder.newIncoming();
     const QImage picture = seedPicture(plot.scene, QSize(1280, 960));
     if (!file || !picture.save(file.get(), "JPEG", 90))
-        return {};
+        return broken(QStringLiteral("the seeded pictures cannot be written"));
     return m_folder.publish(*file, QStringLiteral("jpg"));
 }
 
-QString Seed::addAuction(qint64 member, const Plot &plot)
+Result<void> Seed::addAuction(qint64 member, const Plot &plot)
 {
-    const QString media = addMedia(plot);
-    if (media.isEmpty())
-        return QStringLiteral("the seeded pictures cannot be written");
+    const Result<QString> media = addMedia(plot);
+    if (!media.isOk())
+        return media.failure();
     Auctions::NewAuction seeded;
     seeded.member = member;
     seeded.category = plot.category;
@@ -182,34 +187,32 @@ QString Seed::addAuction(qint64 member, const Plot &plot)
     seeded.startPrice = plot.startPrice;
     seeded.reservePrice = plot.reservePrice;
     seeded.buyPrice = plot.buyPrice;
-    const Result<qint64> auction = m_auctions.create(seeded, media);
+    const Result<qint64> auction = m_auctions.create(seeded, media.value());
     if (!auction.isOk())
-        return auction.error;
+        return auction.failure();
 
     int next = 0;
     for (const qint64 amount : plot.bids) {
         const auto &bidder = bidders[next++ % 3];
-        const QString error = m_auctions.bid(
-            auction.value, {QLatin1String(bidder[0]), QLatin1String(bidder[1])}, amount);
-        if (!error.isEmpty())
-            return error;
+        const Result<void> placed = m_auctions.bid(
+            auction.value(), {QLatin1String(bidder[0]), QLatin1String(bidder[1])}, amount);
+        if (!placed.isOk())
+            return placed;
     }
     if (plot.isBought) {
-        const QString error = m_auctions.buyNow(
-            auction.value, {QLatin1String(bidders[2][0]), QLatin1String(bidders[2][1])});
-        if (!error.isEmpty())
-            return error;
+        const Result<void> bought = m_auctions.buyNow(
+            auction.value(), {QLatin1String(bidders[2][0]), QLatin1String(bidders[2][1])});
+        if (!bought.isOk())
+            return bought;
     }
-    if (!setClock(auction.value, plot))
-        return QStringLiteral("the seeded auctions cannot be stored");
-    m_auctions.endDue();
-    return {};
+    const Result<void> set = setClock(auction.value(), plot);
+    return set.isOk() ? m_auctions.endDue() : set;
 }
 
-bool Seed::setClock(qint64 auction, const Plot &plot)
+Result<void> Seed::setClock(qint64 auction, const Plot &plot)
 {
-    Database::Session session(m_database);
-    session.run(
+    Database::Session session(m_database, Database::Writing);
+    session.change(
         QStringLiteral("UPDATE auctions SET views = ?, ends = ? WHERE id = ?"),
         {plot.views, QDateTime::currentSecsSinceEpoch() + qint64(plot.minutesLeft) * 60, auction});
     return session.commit();

@@ -13,18 +13,18 @@ class Seed
 public:
     Seed(Database &database, Accounts &accounts, Auctions &auctions, const DataFolder &folder);
 
-    /** Does nothing when that member exists; an empty text, or why it failed. */
-    QString plant();
+    /** Does nothing when that member exists. */
+    Result<void> plant();
 
 private:
     struct Plot;
 
-    bool isPlanted();
+    Result<bool> isPlanted();
     Result<qint64> addMember();
-    QString addAuction(qint64 member, const Plot &plot);
-    QString addMedia(const Plot &plot);
+    Result<void> addAuction(qint64 member, const Plot &plot);
+    Result<QString> addMedia(const Plot &plot);
     /** Turns an auction's clock: its remaining time in minutes, negative = it has ended. */
-    bool setClock(qint64 auction, const Plot &plot);
+    Result<void> setClock(qint64 auction, const Plot &plot);
 
     Database &m_database;
     Accounts &m_accounts;

@@ -38,9 +38,19 @@ WebSite::Reply messagePage(int status, const QString &title, const QString &text
     return page(PageWriter({}).message(title, text), status);
 }
 
+QString asSentence(const QString &reason)
+{
+    return reason.left(1).toUpper() + reason.mid(1) + QLatin1Char('.');
+}
+
 WebSite::Reply notFound()
 {
     return messagePage(404, QStringLiteral("Not found"), QStringLiteral("There is nothing here."));
+}
+
+WebSite::Reply brokenPage(const Failure &failure)
+{
+    return messagePage(500, QStringLiteral("Something went wrong"), asSentence(failure.reason));
 }
 
 // A name that another site points at this machine would let that site's pages read ours.
@@ -93,10 +103,8 @@ WebSite::Reply WebSite::answer(const Request &request)
 
 WebSite::Reply WebSite::get(const Request &request, const VisitorToken &visitor)
 {
-    if (request.path == QLatin1String("/")) {
-        return page(PageWriter(visitor.formToken())
-                        .auctions(m_auctions.onSale(), m_auctions.recentlyEnded(endedShown)));
-    }
+    if (request.path == QLatin1String("/"))
+        return frontPage(visitor);
     if (request.path == QLatin1String("/auction"))
         return auctionPage(request, visitor);
     if (request.path == QLatin1String("/thumbnail"))
@@ -105,10 +113,8 @@ WebSite::Reply WebSite::get(const Request &request, const VisitorToken &visitor)
         return media(request);
     if (request.path == QLatin1String("/index.php"))
         return passwordPage(request, visitor);
-    if (request.path == QLatin1String("/outbox")) {
-        return page(PageWriter(visitor.formToken())
-                        .outbox(m_outbox.newest(mailsShown), ownAddress(request.host)));
-    }
+    if (request.path == QLatin1String("/outbox"))
+        return outboxPage(request, visitor);
     return notFound();
 }
 
@@ -129,24 +135,56 @@ WebSite::Reply WebSite::post(const Request &request, const VisitorToken &visitor
         return ask(request, visitor);
     const QString action = request.query.text(QStringLiteral("do"));
     if (request.path == QLatin1String("/index.php") && action == QLatin1String("forgotpass"))
-        return sendPasswordLink(request, visitor);
+        return sendPasswordLink(request);
     if (request.path == QLatin1String("/index.php") && action == QLatin1String("newpass"))
         return setPassword(request, visitor);
     return notFound();
 }
 
+WebSite::Reply WebSite::frontPage(const VisitorToken &visitor)
+{
+    const Result<QList<Auctions::Auction>> onSale = m_auctions.onSale();
+    if (!onSale.isOk())
+        return brokenPage(onSale.failure());
+    const Result<QList<Auctions::Auction>> ended = m_auctions.recentlyEnded(endedShown);
+    if (!ended.isOk())
+        return brokenPage(ended.failure());
+    return page(PageWriter(visitor.formToken()).auctions(onSale.value(), ended.value()));
+}
+
+WebSite::Reply WebSite::outboxPage(const Request &request, const VisitorToken &visitor)
+{
+    const Result<QList<MailOutbox::Mail>> mails = m_outbox.newest(mailsShown);
+    if (!mails.isOk())
+        return brokenPage(mails.failure());
+    return page(PageWriter(visitor.formToken()).outbox(mails.value(), ownAddress(request.host)));
+}
+
 WebSite::Reply WebSite::auctionPage(const Request &request, const VisitorToken &visitor)
 {
     const qint64 id = idIn(request.query);
-    // Coming back from a form is no new view.
+    // Coming back from a form is no new view, and a view that cannot be noted hides no auction.
     const QString done = request.query.text(QStringLiteral("done"));
     if (done.isEmpty() && request.method == "GET")
-        m_auctions.countView(id);
-    const Auctions::Auction auction = m_auctions.auction(id);
-    if (auction.id == 0)
+        (void)m_auctions.countView(id);
+    return auctionReply(id, visitor, thanks(done), FormBody(), 200);
+}
+
+WebSite::Reply WebSite::auctionReply(qint64 id, const VisitorToken &visitor,
+                                     const PageWriter::Notice &notice, const FormBody &typed,
+                                     int status)
+{
+    const Result<Auctions::Auction> auction = m_auctions.auction(id);
+    if (!auction.isOk())
+        return brokenPage(auction.failure());
+    if (auction.value().id == 0)
         return notFound();
-    return page(PageWriter(visitor.formToken())
-                    .auction(auction, m_auctions.bids(id), thanks(done), FormBody()));
+    const Result<QList<Auctions::Bid>> bids = m_auctions.bids(id);
+    if (!bids.isOk())
+        return brokenPage(bids.failure());
+    return page(
+        PageWriter(visitor.formToken()).auction(auction.value(), bids.value(), notice, typed),
+        status);
 }
 
 WebSite::Reply WebSite::passwordPage(const Request &request, const VisitorToken &visitor)
@@ -158,7 +196,10 @@ WebSite::Reply WebSite::passwordPage(const Request &request, const VisitorToken 
     if (action != QLatin1String("newpass"))
         return notFound();
     const QByteArray secret = request.query.text(QStringLiteral("secret")).toLatin1();
-    if (!m_accounts.isPasswordLink(secret)) {
+    const Result<bool> isGood = m_accounts.isPasswordLink(secret);
+    if (!isGood.isOk())
+        return brokenPage(isGood.failure());
+    if (!isGood.value()) {
         return messagePage(404, QStringLiteral("This link is over"),
                            QStringLiteral("This link has been used or is too old."));
     }
@@ -167,12 +208,14 @@ WebSite::Reply WebSite::passwordPage(const Request &request, const VisitorToken 
 
 WebSite::Reply WebSite::thumbnail(const Request &request)
 {
-    const Auctions::Auction auction = m_auctions.auction(idIn(request.query));
-    if (auction.id == 0)
+    const Result<Auctions::Auction> auction = m_auctions.auction(idIn(request.query));
+    if (!auction.isOk())
+        return brokenPage(auction.failure());
+    if (auction.value().id == 0)
         return notFound();
     const bool isLarge = request.query.has(QStringLiteral("large"));
     const Pictures::Picture picture =
-        m_pictures.thumbnail(auction.media, isLarge ? largeEdge : cardEdge);
+        m_pictures.thumbnail(auction.value().media, isLarge ? largeEdge : cardEdge);
     Reply reply;
     reply.type = picture.type;
     reply.body = picture.bytes;
@@ -181,21 +224,23 @@ WebSite::Reply WebSite::thumbnail(const Request &request)
 
 WebSite::Reply WebSite::media(const Request &request)
 {
-    const Auctions::Auction auction = m_auctions.auction(idIn(request.query));
-    if (auction.id == 0)
+    const Result<Auctions::Auction> auction = m_auctions.auction(idIn(request.query));
+    if (!auction.isOk())
+        return brokenPage(auction.failure());
+    if (auction.value().id == 0)
         return notFound();
     Reply reply;
-    reply.type = mediaType(auction.media);
-    reply.file = m_folder.mediaPath(auction.media);
+    reply.type = mediaType(auction.value().media);
+    reply.file = m_folder.mediaPath(auction.value().media);
     return reply;
 }
 
 WebSite::Reply WebSite::placeBid(const Request &request, const VisitorToken &visitor)
 {
-    const QString error =
+    return afterPost(
+        request, visitor, "bid",
         m_auctions.bid(idIn(request.form), buyerIn(request.form),
-                       request.form.number(QStringLiteral("amount"), Auctions::maxPrice));
-    return afterPost(request, visitor, "bid", error);
+                       request.form.number(QStringLiteral("amount"), Auctions::maxPrice)));
 }
 
 WebSite::Reply WebSite::buyNow(const Request &request, const VisitorToken &visitor)
@@ -206,36 +251,34 @@ WebSite::Reply WebSite::buyNow(const Request &request, const VisitorToken &visit
 
 WebSite::Reply WebSite::ask(const Request &request, const VisitorToken &visitor)
 {
-    const QString error = m_auctions.ask(idIn(request.form), buyerIn(request.form),
-                                         request.form.text(QStringLiteral("question")));
-    return afterPost(request, visitor, "question", error);
+    return afterPost(request, visitor, "question",
+                     m_auctions.ask(idIn(request.form), buyerIn(request.form),
+                                    request.form.text(QStringLiteral("question"))));
 }
 
 WebSite::Reply WebSite::afterPost(const Request &request, const VisitorToken &visitor,
-                                  const QByteArray &done, const QString &error)
+                                  const QByteArray &done, const Result<void> &result)
 {
     const qint64 id = idIn(request.form);
-    if (error.isEmpty()) {
+    if (result.isOk()) {
         Reply reply;
         reply.status = 303;
         reply.location = "/auction?id=" + QByteArray::number(id) + "&done=" + done;
         return reply;
     }
-    const Auctions::Auction auction = m_auctions.auction(id);
-    if (auction.id == 0)
-        return notFound();
-    const QString sentence = error.left(1).toUpper() + error.mid(1) + QLatin1Char('.');
-    return page(PageWriter(visitor.formToken())
-                    .auction(auction, m_auctions.bids(id), {sentence, true}, request.form),
-                422);
+    if (result.failure().kind == Failure::Broken)
+        return brokenPage(result.failure());
+    return auctionReply(id, visitor, {asSentence(result.failure().reason), true}, request.form,
+                        422);
 }
 
-WebSite::Reply WebSite::sendPasswordLink(const Request &request, const VisitorToken &visitor)
+WebSite::Reply WebSite::sendPasswordLink(const Request &request)
 {
-    Q_UNUSED(visitor)
-    m_accounts.mailPasswordLink(request.form.text(QStringLiteral("member")).trimmed(),
-                                ownAddress(request.host)
-                                    + QStringLiteral("index.php?do=newpass&secret="));
+    const Result<void> mailed = m_accounts.mailPasswordLink(
+        request.form.text(QStringLiteral("member")).trimmed(),
+        ownAddress(request.host) + QStringLiteral("index.php?do=newpass&secret="));
+    if (!mailed.isOk())
+        return brokenPage(mailed.failure());
     return messagePage(200, QStringLiteral("Look into your mail"),
                        QStringLiteral("If we know this member, a link for a new password is on its "
                                       "way. It works for an hour."));
@@ -244,13 +287,16 @@ WebSite::Reply WebSite::sendPasswordLink(const Request &request, const VisitorTo
 WebSite::Reply WebSite::setPassword(const Request &request, const VisitorToken &visitor)
 {
     const QByteArray secret = request.form.text(QStringLiteral("secret")).toLatin1();
-    const QString error =
+    const Result<void> set =
         m_accounts.setPassword(secret, request.form.text(QStringLiteral("password1")),
                                request.form.text(QStringLiteral("password2")));
-    if (error.isEmpty()) {
+    if (set.isOk()) {
         return messagePage(200, QStringLiteral("Your new password is set"),
                            QStringLiteral("You can log in with it now."));
     }
-    const QString sentence = error.left(1).toUpper() + error.mid(1) + QLatin1Char('.');
-    return page(PageWriter(visitor.formToken()).newPassword(secret, {sentence, true}), 422);
+    if (set.failure().kind == Failure::Broken)
+        return brokenPage(set.failure());
+    return page(PageWriter(visitor.formToken())
+                    .newPassword(secret, {asSentence(set.failure().reason), true}),
+                422);
 }

@@ -5,6 +5,7 @@
 #include "datafolder.h"
 #include "formbody.h"
 #include "mailoutbox.h"
+#include "pagewriter.h"
 #include "pictures.h"
 #include "visitortoken.h"
 
@@ -48,7 +49,12 @@ private:
     Reply get(const Request &request, const VisitorToken &visitor);
     Reply post(const Request &request, const VisitorToken &visitor);
 
+    Reply frontPage(const VisitorToken &visitor);
     Reply auctionPage(const Request &request, const VisitorToken &visitor);
+    /** The page of an auction, with what was typed into its forms. */
+    Reply auctionReply(qint64 id, const VisitorToken &visitor, const PageWriter::Notice &notice,
+                       const FormBody &typed, int status);
+    Reply outboxPage(const Request &request, const VisitorToken &visitor);
     Reply passwordPage(const Request &request, const VisitorToken &visitor);
     Reply thumbnail(const Request &request);
     Reply media(const Request &request);
@@ -56,10 +62,10 @@ private:
     Reply placeBid(const Request &request, const VisitorToken &visitor);
     Reply buyNow(const Request &request, const VisitorToken &visitor);
     Reply ask(const Request &request, const VisitorToken &visitor);
-    /** Back to the auction's page: with thanks after @p done, or with the error and the form. */
+    /** Back to the auction's page: with thanks after @p done, or with the refusal and the form. */
     Reply afterPost(const Request &request, const VisitorToken &visitor, const QByteArray &done,
-                    const QString &error);
-    Reply sendPasswordLink(const Request &request, const VisitorToken &visitor);
+                    const Result<void> &result);
+    Reply sendPasswordLink(const Request &request);
     Reply setPassword(const Request &request, const VisitorToken &visitor);
 
     Accounts &m_accounts;

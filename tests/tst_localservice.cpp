@@ -8,7 +8,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
-#include <QProcess>
 #include <QSet>
 #include <QTcpSocket>
 
@@ -44,24 +43,6 @@ Form changed(Form form, const QByteArray &name, const QByteArray &value)
             field.second = value;
     }
     return form;
-}
-
-// Runs the program to its end with these options; what it said, by exit code.
-struct Run
-{
-    int exitCode = -1;
-    QByteArray output;
-    QByteArray errors;
-};
-
-Run runProgram(const QStringList &options)
-{
-    QProcess process;
-    process.start(QStringLiteral(KAVLOR_LOCALSERVICE), options);
-    if (!process.waitForFinished())
-        return {};
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
 } // namespace
@@ -193,7 +174,7 @@ void tst_LocalService::badOptionsAreRefused()
     QFETCH(QStringList, options);
     QFETCH(QByteArray, complaint);
 
-    const Run run = runProgram(options);
+    const LocalServiceProcess::End run = LocalServiceProcess::runToEnd(options);
     QCOMPARE(run.exitCode, 2);
     QCOMPARE(run.output, QByteArray());
     QVERIFY2(run.errors.startsWith("kavlor-localservice: "), run.errors.constData());
@@ -202,7 +183,7 @@ void tst_LocalService::badOptionsAreRefused()
 
 void tst_LocalService::helpIsSaid()
 {
-    const Run run = runProgram({QStringLiteral("--help")});
+    const LocalServiceProcess::End run = LocalServiceProcess::runToEnd({QStringLiteral("--help")});
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.errors, QByteArray());
     for (const char *option : {"--port", "--data", "--seed", "--max-media", "--help"})
@@ -218,8 +199,9 @@ void tst_LocalService::theFolderIsItsOwnersAlone()
 
 void tst_LocalService::aFolderInUseIsRefused()
 {
-    const Run run = runProgram({QStringLiteral("--port"), QStringLiteral("0"),
-                                QStringLiteral("--data"), m_service.dataDir()});
+    const LocalServiceProcess::End run =
+        LocalServiceProcess::runToEnd({QStringLiteral("--port"), QStringLiteral("0"),
+                                       QStringLiteral("--data"), m_service.dataDir()});
     QCOMPARE(run.exitCode, 1);
     QVERIFY2(run.errors.contains("in use by another service"), run.errors.constData());
 }
@@ -227,8 +209,9 @@ void tst_LocalService::aFolderInUseIsRefused()
 void tst_LocalService::aPortInUseIsRefused()
 {
     QTemporaryDir folder;
-    const Run run = runProgram({QStringLiteral("--port"), QString::number(m_service.port()),
-                                QStringLiteral("--data"), folder.path()});
+    const LocalServiceProcess::End run =
+        LocalServiceProcess::runToEnd({QStringLiteral("--port"), QString::number(m_service.port()),
+                                       QStringLiteral("--data"), folder.path()});
     QCOMPARE(run.exitCode, 1);
     QVERIFY2(run.errors.contains(QByteArray::number(m_service.port()) + " is in use"),
              run.errors.constData());

@@ -1,6 +1,7 @@
 #include "localserviceprocess.h"
 
 #include <QElapsedTimer>
+#include <QProcessEnvironment>
 #include <QRegularExpression>
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -38,6 +39,25 @@ bool LocalServiceProcess::start(const QStringList &options)
         QStringLiteral("^kavlor-localservice: listening on 127\\.0\\.0\\.1:(\\d+)\n$"));
     m_port = listening.match(QString::fromLatin1(m_process.readLine())).captured(1).toInt();
     return m_port > 0;
+}
+
+LocalServiceProcess::End LocalServiceProcess::runToEnd(const QStringList &options)
+{
+    QProcess process;
+    process.start(QStringLiteral(KAVLOR_LOCALSERVICE), options);
+    if (!process.waitForFinished(patience))
+        return {};
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+void LocalServiceProcess::setEnvironment(const QString &variable, const QString &value)
+{
+    QProcessEnvironment environment = m_process.processEnvironment();
+    if (environment.isEmpty())
+        environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(variable, value);
+    m_process.setProcessEnvironment(environment);
 }
 
 void LocalServiceProcess::kill()

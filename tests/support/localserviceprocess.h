@@ -26,11 +26,23 @@ public:
         QByteArray body;
     };
 
+    /** How a service ended that was not to go on running. */
+    struct End
+    {
+        int exitCode = -1; ///< -1 = it crashed or did not end
+        QByteArray output;
+        QByteArray errors;
+    };
+
     explicit LocalServiceProcess(QObject *parent = nullptr);
     ~LocalServiceProcess() override;
 
     /** Starts the service with further @p options such as "--seed" and waits until it listens. */
     bool start(const QStringList &options = {});
+    /** Runs the program with just these options to its end. */
+    static End runToEnd(const QStringList &options);
+    /** For the starts from now on. */
+    void setEnvironment(const QString &variable, const QString &value);
     /** As kill -9, with no chance to tidy up. The data stays, for another start(). */
     void kill();
     /** As SIGTERM; the exit code, or -1 when the service did not end in good order. */
