@@ -9,6 +9,7 @@
 namespace {
 
 constexpr int maxPassword = 100;
+constexpr std::chrono::minutes rememberedFor{5};
 constexpr qint64 linkSeconds = 60L * 60;
 
 struct FieldRule
@@ -84,6 +85,7 @@ Result<qint64> memberOfLink(Database::Session &session, const QByteArray &secret
 
 Accounts::Accounts(Database &database)
     : m_database(database)
+    , m_remembered(rememberedFor)
 {
 }
 
@@ -96,10 +98,21 @@ Result<qint64> Accounts::login(const QString &username, const QString &password)
     if (!found.isOk())
         return found.failure();
     const Database::Row known = found.value().value(0);
-    const Result<bool> isRight = isPassword(known.value(1).toByteArray(), password);
+    const qint64 member = known.value(0).toLongLong();
+    const QByteArray hash = known.value(1).toByteArray();
+    if (m_remembered.isKnown(hash, password))
+        return member;
+    // Of many requests that come at once the first one finds out for all.
+    const std::lock_guard<std::mutex> lock(m_checking);
+    if (m_remembered.isKnown(hash, password))
+        return member;
+    const Result<bool> isRight = isPassword(hash, password);
     if (!isRight.isOk())
         return isRight.failure();
-    return isRight.value() ? known.value(0).toLongLong() : 0;
+    if (!isRight.value())
+        return 0;
+    m_remembered.remember(hash, password);
+    return member;
 }
 
 Result<qint64> Accounts::create(const FormBody &form)

@@ -2,7 +2,10 @@
 
 #include "database.h"
 #include "formbody.h"
+#include "loginmemory.h"
 #include "result.h"
+
+#include <mutex>
 
 /**
  * The members: their accounts, logins and alert options.
@@ -24,7 +27,10 @@ public:
 
     explicit Accounts(Database &database);
 
-    /** The member whose user name and password these are; 0 = they are nobody's. */
+    /**
+     * The member whose user name and password these are; 0 = they are nobody's. What was found
+     * right is remembered for some minutes and then answered at once.
+     */
     Result<qint64> login(const QString &username, const QString &password);
 
     /** A new member from the fields of an account form; the member's number. */
@@ -49,4 +55,6 @@ public:
 
 private:
     Database &m_database;
+    LoginMemory m_remembered;
+    std::mutex m_checking; // one password at a time
 };
