@@ -7,8 +7,10 @@
 #include "modifyaccountcontroller.h"
 #include "navigationcontrolableframe.h"
 #include "notificationscontroller.h"
+#include "progressivemodel.h"
 #include "rootwindow.h"
 #include "testcase.h"
+#include "testconstants.h"
 #include "testmain.h"
 
 #include <QCheckBox>
@@ -16,6 +18,8 @@
 #include <QPlainTextEdit>
 #include <QSignalSpy>
 #include <QTabWidget>
+#include <QTableView>
+#include <QTimer>
 
 class tst_AccountFlow : public TestCase
 {
@@ -152,17 +156,30 @@ void tst_AccountFlow::createdAccountLeadsHome()
 
 void tst_AccountFlow::progressStripRunsWhileTheAccountIsCreated()
 {
+    testTimeConstants().progressStep = 20;
     RootWindow window;
     QVERIFY(openCreation(window));
     QVERIFY(fillIn(window));
     QVERIFY(!window.find("progressBar"));
     window.service.expectHeld("CreateAccount", "ERROR: taken");
     QVERIFY(window.click("submitButton"));
-    QVERIFY(window.find("progressBar"));
+    auto *strip = window.find<QTableView>("progressBar");
+    QVERIFY(strip);
+    const QImage first = strip->grab().toImage();
+    QTRY_VERIFY(strip->grab().toImage() != first);
+    QTRY_COMPARE(strip->grab().toImage(), first); // to and fro
     QTRY_VERIFY(window.service.isHolding());
     window.service.release();
     QTRY_VERIFY(!window.find("progressBar"));
     QTRY_COMPARE(window.dialogs.boxes().size(), 1);
+
+    // Nor does it go on unseen.
+    const QSignalSpy steps(qobject_cast<CProgressiveModel *>(strip->model()),
+                           &CProgressiveModel::occuredTimerEvent);
+    bool passed = false;
+    QTimer::singleShot(5 * testTimeConstants().progressStep, this, [&] { passed = true; });
+    QTRY_VERIFY(passed);
+    QCOMPARE(steps.size(), 0);
 }
 
 void tst_AccountFlow::failedCreationStaysInTheForm()

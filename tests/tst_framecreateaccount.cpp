@@ -3,6 +3,7 @@
 #include "httptolvex.h"
 #include "kavloruser.h"
 #include "testcase.h"
+#include "testconstants.h"
 #include "testmain.h"
 
 #include <QCheckBox>
@@ -89,6 +90,11 @@ public:
         type("lineEmailaddress", QStringLiteral("m1@example.org"));
         type("lineAgain", QStringLiteral("m1@example.org"));
     }
+    void goOffline()
+    {
+        testTimeConstants().connectionWait = 50;
+        stage.connector.reportState(OnlineConnector::Disconnected);
+    }
     void submit()
     {
         QTest::mouseClick(button(), Qt::LeftButton);
@@ -159,6 +165,7 @@ private slots:
     void termsAreFetchedWhenTheRootHasNone();
     void termsFetchThatFailsLeavesTheWaitingText();
     void refusedTermsRequestShowsEmptyTerms();
+    void withoutAConnectionTheTermsStayAway();
     void tenPointTextIsRewritten_data();
     void tenPointTextIsRewritten();
     void everyTenPointStyleOfATextIsRewritten();
@@ -184,6 +191,8 @@ private slots:
     void lowerCaseErrorIsASuccessWithNumberZero();
     void refusedStatusIsASuccessWithNumberZero();
     void transportErrorLeavesTheMemberInTheForm();
+    void withoutAConnectionTheFormIsFreeAgain();
+    void lateReplyUnderTheFailureBoxCreatesNothing();
     void correctedFormIsSentAgain();
     void successIsSavedAsLaidDown();
     void unknownReplyIsTold();
@@ -410,6 +419,17 @@ void tst_FrameCreateAccount::refusedTermsRequestShowsEmptyTerms()
     QVERIFY(creation.openUnscripted());
     QTRY_VERIFY(creation.box()->isEnabled());
     QCOMPARE(creation.find<QPlainTextEdit>("termsEdit")->toPlainText(), QString());
+}
+
+void tst_FrameCreateAccount::withoutAConnectionTheTermsStayAway()
+{
+    Creation creation;
+    creation.goOffline();
+    QVERIFY(creation.openUnscripted());
+    QVERIFY(creation.stage.dialogs.boxes().isEmpty());
+    QCOMPARE(creation.find<QPlainTextEdit>("termsEdit")->toPlainText(),
+             QStringLiteral("Please wait while a terms of service text is getting populated..."));
+    QVERIFY(!creation.box()->isEnabled());
 }
 
 void tst_FrameCreateAccount::tenPointTextIsRewritten_data()
@@ -729,6 +749,7 @@ void tst_FrameCreateAccount::formWaitsForTheReply()
     creation.stage.service.release();
     QTRY_VERIFY(creation.button()->isEnabled());
     QVERIFY(creation.line("lineUsername")->isEnabled());
+    QCOMPARE(creation.button()->toolTip(), QString());
     QTRY_COMPARE(creation.toolTip(), QStringLiteral("ERROR: taken"));
     QCOMPARE(creation.stage.area()->focusWidget(), creation.button());
 }
@@ -811,6 +832,57 @@ void tst_FrameCreateAccount::transportErrorLeavesTheMemberInTheForm()
                  .arg(creation.error()));
     QCOMPARE(creation.toolTip(), QString());
     QCOMPARE(creation.line("lineUsername")->text(), QStringLiteral("m1"));
+    QVERIFY(creation.button()->isEnabled());
+    QCOMPARE(creation.stage.settings.allKeys(), QStringList());
+}
+
+// The result comes while the request is still being made.
+void tst_FrameCreateAccount::withoutAConnectionTheFormIsFreeAgain()
+{
+    Creation creation;
+    QVERIFY(creation.open());
+    creation.goOffline();
+    creation.createAccount();
+    QCOMPARE(creation.stage.dialogs.boxes().size(), 1);
+    QCOMPARE(creation.stage.dialogs.boxes().constFirst().text,
+             QStringLiteral("kavlor experienced at least one error during record submission:\n"
+                            "Unable to create a connection\nERROR:no connection"));
+    QCOMPARE(creation.error(), QStringLiteral("Unable to create a connection"));
+    QVERIFY(creation.button()->isEnabled());
+    QVERIFY(creation.line("lineUsername")->isEnabled());
+
+    creation.stage.connector.reportState(OnlineConnector::Connected);
+    creation.stage.service.expect("CreateAccount", "4711");
+    creation.submit();
+    QTRY_VERIFY(!creation.frame);
+    QCOMPARE(creation.user.userId(), 4711);
+}
+
+// The account had timed out, and its reply comes while the member reads so.
+void tst_FrameCreateAccount::lateReplyUnderTheFailureBoxCreatesNothing()
+{
+    Creation creation;
+    QVERIFY(creation.open());
+    creation.fillIn();
+    creation.acceptTerms();
+    testTimeConstants().formTimeout = 100;
+    ScriptedService &service = creation.stage.service;
+    DialogAnswers &dialogs = creation.stage.dialogs;
+    dialogs.beforeNextAnswer([&] {
+        QVERIFY(QTest::qWaitFor([&] { return service.isHolding(); }));
+        QVERIFY(service.release());
+        QVERIFY(QTest::qWaitFor([&] { return dialogs.boxes().size() == 1; }));
+    });
+    service.expectHeld("CreateAccount", "4711");
+    creation.submit();
+    QTRY_COMPARE(dialogs.boxes().size(), 2);
+    QCOMPARE(dialogs.boxes().at(0).title, QStringLiteral("HTTP"));
+    QCOMPARE(dialogs.boxes().at(0).text, QStringLiteral("Unknown response received:  ."));
+    QCOMPARE(dialogs.boxes().at(1).text,
+             QStringLiteral("kavlor experienced at least one error during record submission:\n"
+                            "Unable to get a server response\nERROR:timeout"));
+    QTRY_COMPARE(creation.error(), QStringLiteral("Unable to get a server response"));
+    QVERIFY(creation.frame->isVisible());
     QVERIFY(creation.button()->isEnabled());
     QCOMPARE(creation.stage.settings.allKeys(), QStringList());
 }
