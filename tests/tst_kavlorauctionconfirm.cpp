@@ -81,6 +81,7 @@ private slots:
 
     void withoutAStoreTheCategoryIsNone();
     void theSummaryHasItsRowsInOrder();
+    void theSummaryIsLaidOutAsAgreed();
     void unsetPricesReadNotSet();
     void aCaptionWithALessThanSignShowsAsText();
     void anAmpersandInTheCaptionIsPassedUnchanged();
@@ -120,6 +121,31 @@ void tst_KavlorAuctionConfirm::theSummaryHasItsRowsInOrder()
         {QStringLiteral("Category:"), QStringLiteral("Sports>Football")},
         {QStringLiteral("File:"), QStringLiteral("c.jpg")}};
     QCOMPARE(summary(goodRecord()), expected);
+}
+
+// Alignment, widths and all: what becomes of this document in a browser of the same font.
+void tst_KavlorAuctionConfirm::theSummaryIsLaidOutAsAgreed()
+{
+    const CAuctionRecord record = goodRecord();
+    const Page page(&record, nullptr);
+    QTextDocument expected;
+    expected.setDefaultFont(document(page)->defaultFont());
+    expected.setDefaultStyleSheet(QStringLiteral("th,td{color: #697278;font-weight: 20px;}"));
+    expected.setHtml(QStringLiteral(
+        "<html><head><meta http-equiv='Content-Type' content='text/html; "
+        "charset=iso-8859-1'></head>"
+        "<body><table font='large' width='100%'>"
+        "<tr><td colspan='2'> <h3>Please verify data you entered </h3></td></tr>"
+        "<tr><th align='right'><pre>Start price:</pre></th><td valign='middle'>USD 10</td></tr>"
+        "<tr><th align='right'><pre>Reserved:</pre></th><td valign='middle'>USD 20</td></tr>"
+        "<tr><th align='right'><pre>Buy it now:</pre></th><td valign='middle'>USD 30</td></tr>"
+        "<tr><th align='right'  valign='middle'><pre>Caption:</pre></th>"
+        "<td valign='middle'>Sunset</td></tr>"
+        "<tr><th align='right' valign='middle'><pre>Category:</pre></th>"
+        "<td valign='middle'>Sports>Football</td></tr>"
+        "<tr><th align='right'><pre>File:</pre></th><td>c.jpg</td></tr>"
+        "</table></body></html>"));
+    QCOMPARE(document(page)->toHtml(), expected.toHtml());
 }
 
 void tst_KavlorAuctionConfirm::unsetPricesReadNotSet()

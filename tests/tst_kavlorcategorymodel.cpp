@@ -60,6 +60,43 @@ QRect aboveSeparator(const QImage &image)
     return {0, 0, image.width(), separatorTop};
 }
 
+// The cell of a category, painted here by the figures agreed upon. The name alone may reach out of
+// its area, which is narrower than the tails of its letters need.
+QImage paintedCategory(bool topLevel, bool chosen, const QString &picture, const QString &name,
+                       const QString &children)
+{
+    QPixmap pixmap(400, 87);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    if (chosen) {
+        painter.drawPixmap(0, 0,
+                           QPixmap(QStringLiteral(":/mainCellBG.png"))
+                               .scaled(400, 87, Qt::IgnoreAspectRatio, Qt::FastTransformation));
+    }
+    const int left = picture.isEmpty() ? 0 : 86;
+    if (!picture.isEmpty())
+        painter.drawPixmap(QRect(0, 0, 86, 86), QPixmap(picture));
+    painter.setFont(topLevel ? QFont(QStringLiteral("LargeSystemFont"), 21, QFont::Bold)
+                             : QFont(QStringLiteral("SmallSystemFont"), 21, QFont::Normal));
+    painter.setPen(topLevel ? QColor(249, 167, 31) : QColor(121, 85, 143));
+    if (children.isEmpty()) {
+        painter.drawText(QRect(left, 0, 400 - left, 86),
+                         Qt::AlignLeft | Qt::AlignVCenter | Qt::TextWordWrap, name);
+    } else {
+        painter.drawText(QRect(left, 0, 400 - left, 27),
+                         Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
+                         name);
+        painter.setFont(QFont(QStringLiteral("SmallSystemFont"), 14, QFont::Normal));
+        painter.setPen(chosen ? QColor(41, 41, 0) : QColor(73, 117, 166));
+        painter.drawText(QRect(left, 21, 400 - left, 65),
+                         Qt::AlignLeft | Qt::AlignVCenter | Qt::TextWordWrap, children);
+    }
+    painter.setPen(separatorColor());
+    painter.drawLine(0, separatorTop, 400, separatorTop);
+    painter.end();
+    return pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
+}
+
 // Whether a pixel has exactly @p color, as the inside of a large letter has.
 bool hasColor(const QImage &image, const QColor &color)
 {
@@ -100,6 +137,8 @@ private slots:
     void namesStartLeftWithoutAPicture();
     void childrenLineIsLowerCaseAndInAscendingOrder();
     void childrenLineChangesItsColourWhenChosen();
+    void categoryCellIsPaintedByItsFigures_data();
+    void categoryCellIsPaintedByItsFigures();
     void chosenRowHasTheBackgroundPicture();
     void choosingPaintsTwoRowsAndReusesTheOthers();
     void choosingTellsTheTwoRows();
@@ -354,6 +393,59 @@ void tst_KavlorCategoryModel::childrenLineChangesItsColourWhenChosen()
     const QImage after = cell(model, 1, CKavlorCategoryModel::CategoryColumn);
     QVERIFY(hasColor(after, marked));
     QVERIFY(!hasColor(after, plain));
+}
+
+void tst_KavlorCategoryModel::categoryCellIsPaintedByItsFigures_data()
+{
+    QTest::addColumn<int>("level");
+    QTest::addColumn<bool>("chosen");
+    QTest::addColumn<int>("identifier");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("children");
+    const QString sports = QStringLiteral("Sporting Jugglery");
+    const QString longName = QStringLiteral("Everything else that a member may have seen");
+    const QString manyNames = QStringLiteral("pigeons, doves, parrots, quails, gulls and jays, "
+                                             "pelicans, grouse, yellow hammers, kingfishers");
+    for (const bool chosen : {false, true}) {
+        const auto row = [chosen](const char *about, int level, int identifier, const QString &name,
+                                  const QString &children) {
+            QTest::addRow("%s%s", about, chosen ? ", chosen" : "")
+                << level << chosen << identifier << name << children;
+        };
+        row("picture and children", 0, 4, sports, QStringLiteral("football, tennis"));
+        row("picture and many children", 0, 4, sports, manyNames);
+        row("picture", 0, 4, sports, QString());
+        row("picture, long name", 0, 4, longName, QString());
+        row("children", 0, 8, sports, QStringLiteral("football, tennis"));
+        row("children, long name", 0, 8, longName, QStringLiteral("football, tennis"));
+        row("neither", 0, 8, sports, QString());
+        row("lower level with children", 9, 10, sports, QStringLiteral("football, tennis"));
+        row("lower level", 9, 10, sports, QString());
+        row("lower level, long name", 9, 10, longName, QString());
+    }
+}
+
+void tst_KavlorCategoryModel::categoryCellIsPaintedByItsFigures()
+{
+    QFETCH(int, level);
+    QFETCH(bool, chosen);
+    QFETCH(int, identifier);
+    QFETCH(QString, name);
+    QFETCH(QString, children);
+    QString list = QStringLiteral("h\n%1,%2,%3").arg(identifier).arg(name).arg(level);
+    int child = 100;
+    const QStringList names = children.split(QStringLiteral(", "), Qt::SkipEmptyParts);
+    for (const QString &childName : names)
+        list += QStringLiteral("\n%1,%2,%3").arg(child++).arg(childName).arg(identifier);
+    CKavlorCategoryStore::load(list);
+
+    CKavlorCategoryModel model;
+    model.showLevel(level);
+    model.setChosen(chosen ? identifier : 0);
+    const QString picture = identifier == 4 ? QStringLiteral(":/Sports.png") : QString();
+    QCOMPARE(cell(model, 0, CKavlorCategoryModel::CategoryColumn),
+             paintedCategory(level == 0, chosen, picture, name, children));
+    loadCategories();
 }
 
 void tst_KavlorCategoryModel::chosenRowHasTheBackgroundPicture()

@@ -12,6 +12,7 @@
 
 #include <QLabel>
 #include <QMessageBox>
+#include <QPainter>
 #include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -67,6 +68,7 @@ private slots:
     void pricesOutsideTheRangeAreBroughtIntoIt();
     void thumbnailKeepsItsShape_data();
     void thumbnailKeepsItsShape();
+    void thumbnailIsScaledFast();
     void withoutThumbnailTheTextStays();
     void aFinishedAuctionIsRefusedAtOnce();
 
@@ -215,6 +217,19 @@ void tst_KavlorModifyAuction::thumbnailKeepsItsShape()
     QCOMPARE(picture.size(), shown);
     QCOMPARE(picture.toImage().pixelColor(shown.width() / 2, shown.height() / 2),
              QColor(Qt::green));
+}
+
+// Its edges stay sharp.
+void tst_KavlorModifyAuction::thumbnailIsScaledFast()
+{
+    QImage received(120, 90, QImage::Format_RGB32);
+    received.fill(Qt::blue);
+    QPainter(&received).fillRect(0, 0, 61, 47, Qt::red);
+    CAuctionRow auction = runningAuction();
+    auction.thumbnail = QPixmap::fromImage(received);
+    open(auction);
+    QCOMPARE(label("photoThumb")->pixmap().toImage().convertToFormat(received.format()),
+             received.scaled(176, 176, Qt::KeepAspectRatio, Qt::FastTransformation));
 }
 
 void tst_KavlorModifyAuction::withoutThumbnailTheTextStays()

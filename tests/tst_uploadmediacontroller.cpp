@@ -1,3 +1,4 @@
+#include "framestage.h"
 #include "httptolvex.h"
 #include "kavlorauctioncategorize.h"
 #include "kavlorauctionconfirm.h"
@@ -343,6 +344,8 @@ private slots:
     void thePromptPictureIsWholeInAnyWindow();
     void previewIsScaledIntoASquareOfThePreviewsHeight_data();
     void previewIsScaledIntoASquareOfThePreviewsHeight();
+    void previewIsScaledFast_data();
+    void previewIsScaledFast();
     void aPortraitIsTurnedClockwiseAfterTheDelay();
     void aNewChoiceInTheDelayIsNotTurned();
     void leavingInTheDelayIsSafe();
@@ -373,6 +376,7 @@ private slots:
 
     void theUploadCarriesWhatTheMemberEntered();
     void successLeadsToTheAlerts();
+    void withoutARootThereIsNoSuccessPage();
     void nextTwiceLeavesOnce();
     void createAuctionTwiceSendsOnce();
     void theStripIsAnimatedDuringTheUpload();
@@ -826,6 +830,31 @@ void tst_UploadMediaController::previewIsScaledIntoASquareOfThePreviewsHeight()
     QCOMPARE(driver.preview().size(), scaled);
 }
 
+void tst_UploadMediaController::previewIsScaledFast_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QSize>("photo");
+    QTest::newRow("enlarged") << QStringLiteral("a.png") << QSize(8, 6);
+    // Of a format that cannot be read at another size than its own.
+    QTest::newRow("reduced") << QStringLiteral("a.bmp") << QSize(1602, 1198);
+}
+
+// Its edges stay sharp.
+void tst_UploadMediaController::previewIsScaledFast()
+{
+    QFETCH(QString, name);
+    QFETCH(QSize, photo);
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    const int side = driver.previewSize().height();
+    const QString path = driver.makePhoto(name, photo.width(), photo.height());
+    driver.choose(path);
+    const QImage expected =
+        QImage(path).scaled(side, side, Qt::KeepAspectRatio, Qt::FastTransformation);
+    QCOMPARE(driver.preview().toImage().convertToFormat(QImage::Format_RGB32),
+             expected.convertToFormat(QImage::Format_RGB32));
+}
+
 void tst_UploadMediaController::aPortraitIsTurnedClockwiseAfterTheDelay()
 {
     WizardDriver driver;
@@ -1259,6 +1288,48 @@ void tst_UploadMediaController::successLeadsToTheAlerts()
     QTRY_VERIFY(driver.window.shown<CNotificationsController>());
     QTRY_VERIFY(!driver.wizard);
     QCOMPARE(driver.window.dialogs.boxes().size(), 0);
+}
+
+void tst_UploadMediaController::withoutARootThereIsNoSuccessPage()
+{
+    FrameStage stage;
+    CKavlorUser user(nullptr, nullptr, true, memberFields());
+    CKavlorCategoryStore::load(QStringLiteral("h\n2,Event,0"));
+    auto *wizard = new Wizard(&user, stage.area());
+    QVERIFY(stage.show(wizard));
+    const auto click = [wizard](const char *name) {
+        auto *button = wizard->findChild<QAbstractButton *>(QLatin1String(name));
+        QTest::mouseClick(button, Qt::LeftButton);
+    };
+
+    const QString photo = stage.folder.filePath(QStringLiteral("a.png"));
+    QImage image(40, 30, QImage::Format_RGB32);
+    image.fill(Qt::blue);
+    QVERIFY(image.save(photo));
+    stage.dialogs.chooseFile(photo);
+    click("photoClicker");
+    typeInto(wizard->findChild<QLineEdit *>(QStringLiteral("lineCaption")),
+             QStringLiteral("a caption"));
+    click("doneButton");
+    auto *table = wizard->findChild<QTableView *>(QStringLiteral("categoriesTable"));
+    QVERIFY(table);
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {},
+                      table->visualRect(table->model()->index(0, 1)).center());
+    QTRY_VERIFY(wizard->findChild<CKavlorAuctionCreate *>());
+    click("finalizeButton");
+
+    // Heard after the wizard has heard it.
+    bool answered = false;
+    connect(
+        wizard->findChild<CHttpTolvex *>(),
+        qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
+        [&answered] { answered = true; }, Qt::QueuedConnection);
+    stage.service.expect("CreateAuction", "42");
+    click("createAuctionButton");
+    QTRY_VERIFY(answered);
+    QVERIFY(!wizard->findChild<CUploadMediaConfirmation *>());
+    QVERIFY(wizard->findChild<CKavlorAuctionConfirm *>()->isVisible());
+    QVERIFY(stage.dialogs.boxes().isEmpty());
 }
 
 void tst_UploadMediaController::nextTwiceLeavesOnce()
