@@ -20,6 +20,8 @@
 #include <QUrl>
 
 #include <cstdlib>
+#include <limits>
+#include <new>
 
 namespace {
 
@@ -140,13 +142,43 @@ QByteArray textParts(const QByteArray &boundary, const CKavlorUser &user,
 }
 
 // The head of the media part. The service learns the kind of media from the extension alone.
-QByteArray mediaHead(const QByteArray &boundary, const QString &path)
+QByteArray mediaHead(const QByteArray &boundary, const QString &path, qint64 size)
 {
     const QString extension = path.right(path.length() - path.lastIndexOf(QLatin1Char('.')));
     return "--" + boundary + "\r\nContent-Disposition: form-data; name=\"MediaFile\"; filename=\"1"
-        + extension.toLocal8Bit()
-        + "\"\r\nContent-length: " + QByteArray::number(QFileInfo(path).size())
+        + extension.toLocal8Bit() + "\"\r\nContent-length: " + QByteArray::number(size)
         + "\r\nContent-Type: application/octet-stream\r\n\r\n";
+}
+
+// Takes the memory for so many bytes, when there is as much. A clip may well be larger than a
+// device's memory, and that must not be the end of the program.
+bool reserve(QByteArray *bytes, qint64 size)
+{
+    if (size > std::numeric_limits<qsizetype>::max())
+        return false;
+    try {
+        bytes->reserve(static_cast<qsizetype>(size));
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
+    return true;
+}
+
+// Appends the file, which must have as many bytes as announced: neither a failing card nor a file
+// that is being written may put half a photo on auction.
+bool appendFile(QByteArray *bytes, QFile *file, qint64 size)
+{
+    const qsizetype start = bytes->size();
+    bytes->resize(start + static_cast<qsizetype>(size));
+    qint64 done = 0;
+    while (done < size) {
+        const qint64 count = file->read(bytes->data() + start + done, size - done);
+        if (count <= 0)
+            return false;
+        done += count;
+    }
+    char more = 0;
+    return file->read(&more, 1) == 0;
 }
 
 } // namespace
@@ -274,16 +306,20 @@ void CHttpTolvex::createAuction(const CKavlorUser &user, const CAuctionRecord &a
     header.setContentType(QStringLiteral("multipart/form-data, boundary=")
                           + QString::fromLatin1(boundary));
 
-    QByteArray body = textParts(boundary, user, auction);
-    QFile media(auction.mediaPath);
-    if (!media.open(QIODevice::ReadOnly)) {
+    const QString &mediaPath = auction.mediaPath;
+    const qint64 size = QFileInfo(mediaPath).size();
+    const QByteArray head =
+        textParts(boundary, user, auction) + mediaHead(boundary, mediaPath, size);
+    const QByteArray tail = "\r\n--" + boundary + "--\r\n";
+    // Of the right size from the start, so that the file is in memory once.
+    QByteArray body;
+    QFile media(mediaPath);
+    if (!media.open(QIODevice::ReadOnly) || !reserve(&body, head.size() + size + tail.size())
+        || !appendFile(&body.append(head), &media, size)) {
         emit requestIsFinished(QStringLiteral("I/O issue"), tr("Unable to read a posted file"));
         return;
     }
-    body += mediaHead(boundary, auction.mediaPath);
-    body += media.readAll();
-    media.close();
-    body += "\r\n--" + boundary + "--\r\n";
+    body += tail;
     header.setContentLength(body.size());
     send(header, body, timeConstants().uploadTimeout);
 }

@@ -3,6 +3,7 @@
 #include "kavlornotificationoptions.h"
 #include "kavloruser.h"
 #include "onlineconnector.h"
+#include "processmemory.h"
 #include "qhttprequestheader.h"
 #include "scriptedservice.h"
 #include "testcase.h"
@@ -11,13 +12,21 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QUrl>
 
+#include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <functional>
+
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace {
 
@@ -85,7 +94,56 @@ QByteArray mediaHeadOf(const ScriptedService::Request &request)
 
 using Operation = std::function<void(CHttpTolvex &)>;
 
+// A memory card that is about to fail: reading the named file goes well up to a byte only.
+struct FailingCard
+{
+    QByteArray file; // empty = no card fails
+    qint64 goodBytes = 0;
+    int error = 0; // 0 = the file ends there, whatever its length is said to be
+};
+FailingCard failingCard;
+
+// Lets this process have so much more memory than it has now, for as long as it lives.
+class MemoryLimit
+{
+public:
+    explicit MemoryLimit(qint64 more)
+    {
+        const QByteArray pages = contents(QStringLiteral("/proc/self/statm")).split(' ').first();
+        getrlimit(RLIMIT_AS, &m_before);
+        rlimit limit = m_before;
+        limit.rlim_cur = static_cast<rlim_t>(pages.toLongLong() * sysconf(_SC_PAGESIZE) + more);
+        setrlimit(RLIMIT_AS, &limit);
+    }
+    ~MemoryLimit()
+    {
+        setrlimit(RLIMIT_AS, &m_before);
+    }
+    Q_DISABLE_COPY_MOVE(MemoryLimit)
+
+private:
+    rlimit m_before = {};
+};
+
 } // namespace
+
+// In place of the system's own function, for the toolkit too.
+extern "C" ssize_t read(int descriptor, void *data, size_t size)
+{
+    if (!failingCard.file.isEmpty()) {
+        char name[PATH_MAX] = {};
+        const QByteArray link = "/proc/self/fd/" + QByteArray::number(descriptor);
+        if (readlink(link.constData(), name, sizeof(name) - 1) > 0 && failingCard.file == name) {
+            const qint64 good = failingCard.goodBytes - lseek(descriptor, 0, SEEK_CUR);
+            if (good <= 0) {
+                errno = failingCard.error;
+                return failingCard.error == 0 ? 0 : -1;
+            }
+            size = qMin(size, static_cast<size_t>(good));
+        }
+    }
+    return syscall(SYS_read, descriptor, data, size);
+}
 
 Q_DECLARE_METATYPE(Operation)
 
@@ -94,6 +152,7 @@ class tst_HttpTolvex : public TestCase
     Q_OBJECT
 
 private slots:
+    void anUploadHoldsTheFileOnce();
     void requestBytes_data();
     void requestBytes();
     void mediaNameIsTheExtension_data();
@@ -106,6 +165,9 @@ private slots:
     void aLargeFileArrivesWhole();
     void unreadableMediaFileIsReportedAndNothingSent_data();
     void unreadableMediaFileIsReportedAndNothingSent();
+    void aFailingCardIsReportedAndNothingSent_data();
+    void aFailingCardIsReportedAndNothingSent();
+    void aFileTooLargeForTheMemoryIsReportedAndNothingSent();
     void emptyOperationPathIsSentAsASlash();
     void pathIsEncoded();
     void pathKeepsItsPermittedCharacters();
@@ -115,8 +177,28 @@ private slots:
     void onlyTheFirstFourOptionsAreSent();
 
 private:
+    static void expectRefusal(const QString &path);
+
     OnlineConnector m_connector;
 };
+
+// The first, before others have made the process larger. What is sent is not copied again: the
+// peak is looked at before anybody has received it.
+void tst_HttpTolvex::anUploadHoldsTheFileOnce()
+{
+    constexpr qint64 size = 100LL * 1024 * 1024;
+    QTemporaryFile media(QDir::tempPath() + QStringLiteral("/XXXXXX.mp4"));
+    QVERIFY(media.open() && media.resize(size));
+    ScriptedService service;
+    CHttpTolvex http;
+    CAuctionRecord auction;
+    auction.mediaPath = media.fileName();
+    QVERIFY(resetPeakMemory());
+    const qint64 before = peakMemory();
+    http.createAuction(nobody(), auction);
+    const qint64 spent = (peakMemory() - before) * 1024;
+    QVERIFY2(spent < size * 5 / 4, QByteArray::number(spent).constData());
+}
 
 void tst_HttpTolvex::requestBytes_data()
 {
@@ -369,11 +451,19 @@ void tst_HttpTolvex::unreadableMediaFileIsReportedAndNothingSent_data()
     QTest::addColumn<QString>("path");
     QTest::newRow("missing") << QStringLiteral("/nonexistent/photo.jpg");
     QTest::newRow("folder") << QDir::tempPath();
+    // Both say that they have no bytes at all.
+    QTest::newRow("longer than announced") << QStringLiteral("/proc/self/status");
+    QTest::newRow("cannot be read") << QStringLiteral("/proc/self/mem");
 }
 
 void tst_HttpTolvex::unreadableMediaFileIsReportedAndNothingSent()
 {
     QFETCH(QString, path);
+    expectRefusal(path);
+}
+
+void tst_HttpTolvex::expectRefusal(const QString &path)
+{
     ScriptedService service;
     CHttpTolvex http;
     QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
@@ -391,6 +481,32 @@ void tst_HttpTolvex::unreadableMediaFileIsReportedAndNothingSent()
     QTRY_COMPARE(results.size(), 2);
     QVERIFY2(service.isDone(), service.report());
     QCOMPARE(service.connectionCount(), 1);
+}
+
+void tst_HttpTolvex::aFailingCardIsReportedAndNothingSent_data()
+{
+    QTest::addColumn<int>("error");
+    QTest::newRow("an error half way") << EIO;
+    QTest::newRow("an end half way") << 0;
+}
+
+void tst_HttpTolvex::aFailingCardIsReportedAndNothingSent()
+{
+    QFETCH(int, error);
+    QTemporaryFile media(QDir::tempPath() + QStringLiteral("/XXXXXX.jpg"));
+    QVERIFY(media.open() && media.resize(300000));
+    const QFileInfo file(media.fileName());
+    failingCard = {QFile::encodeName(file.canonicalFilePath()), 150000, error};
+    expectRefusal(media.fileName());
+    failingCard = {};
+}
+
+void tst_HttpTolvex::aFileTooLargeForTheMemoryIsReportedAndNothingSent()
+{
+    QTemporaryFile media(QDir::tempPath() + QStringLiteral("/XXXXXX.mp4"));
+    QVERIFY(media.open() && media.resize(4LL * 1024 * 1024 * 1024));
+    const MemoryLimit limit(1024LL * 1024 * 1024);
+    expectRefusal(media.fileName());
 }
 
 void tst_HttpTolvex::emptyOperationPathIsSentAsASlash()
