@@ -1,11 +1,12 @@
 #include "connector.h"
 
 #include "gconfbackend.h"
-#include "timeconstants.h"
 
 #include <QDBusAbstractInterface>
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QDBusPendingCallWatcher>
 #include <QDebug>
 
 namespace {
@@ -31,9 +32,15 @@ public:
         : QDBusAbstractInterface(QLatin1String(service), QLatin1String(path), service,
                                  QDBusConnection::systemBus(), parent)
     {
-        setTimeout(timeConstants().busCallTimeout);
     }
 };
+
+// A missing answer is no refusal: whoever was called may still be busy with it.
+bool isRefusal(const QDBusMessage &reply)
+{
+    return reply.type() == QDBusMessage::ErrorMessage
+        && QDBusError(reply).type() != QDBusError::NoReply;
+}
 
 } // namespace
 
@@ -65,13 +72,24 @@ bool CConnector::isConnected() const
     return m_state >= connectedState && m_state < limitedDisabledState;
 }
 
+bool CConnector::isStateKnown() const
+{
+    return m_stateAnswered && m_stateReports >= m_announcedReports;
+}
+
 void CConnector::requestConnectionState()
 {
     if (!m_daemon) {
         qDebug("CConnector::requestConnectionState: no interface");
         return;
     }
-    m_daemon->call(QStringLiteral("state_req"));
+    whenAnswered(m_daemon->asyncCall(QStringLiteral("state_req")),
+                 [this](const QDBusMessage &reply) {
+                     // The number of reports, which come before the answer or after it.
+                     m_stateAnswered = true;
+                     if (reply.type() == QDBusMessage::ReplyMessage)
+                         m_announcedReports += reply.arguments().value(0).toUInt();
+                 });
 }
 
 void CConnector::selectConnection()
@@ -80,11 +98,16 @@ void CConnector::selectConnection()
         qDebug("CConnector::selectConnection: no interface");
         return;
     }
-    for (int attempt = 0; attempt < chooserAttempts; ++attempt) {
-        const QDBusMessage reply = m_dialog->call(QStringLiteral("show_conn_dlg"), false);
-        if (reply.type() != QDBusMessage::ErrorMessage)
-            return;
-    }
+    openChooser(chooserAttempts);
+}
+
+void CConnector::openChooser(int attempts)
+{
+    whenAnswered(m_dialog->asyncCall(QStringLiteral("show_conn_dlg"), false),
+                 [this, attempts](const QDBusMessage &reply) {
+                     if (attempts > 1 && isRefusal(reply))
+                         openChooser(attempts - 1);
+                 });
 }
 
 void CConnector::connect()
@@ -93,7 +116,7 @@ void CConnector::connect()
         qDebug("CConnector::connect: no interface");
         return;
     }
-    m_daemon->call(QStringLiteral("connect_req"), 1U);
+    m_daemon->asyncCall(QStringLiteral("connect_req"), 1U);
 }
 
 void CConnector::smartConnect()
@@ -118,17 +141,34 @@ void CConnector::disconnect()
         qDebug("CConnector::disconnect: no interface");
         return;
     }
-    m_daemon->call(QStringLiteral("disconnect_req"), 1U);
+    m_daemon->asyncCall(QStringLiteral("disconnect_req"), 1U);
 }
 
 void CConnector::updateState(const QDBusMessage &message)
 {
     const quint32 oldState = m_state;
     const QList<QVariant> arguments = message.arguments();
-    if (arguments.size() >= stateArgument)
+    if (arguments.size() >= stateArgument) {
         m_state = arguments.value(stateArgument).toUInt();
+        ++m_stateReports;
+    }
     if (m_state == oldState && !m_firstReport)
         return;
     m_firstReport = false;
     emit connectionStateChanged(arguments);
+}
+
+// Calls @p answered with the answer, from the event loop; at once where there is no bus, which
+// answers nothing.
+void CConnector::whenAnswered(const QDBusPendingCall &call, const Answered &answered)
+{
+    if (call.isFinished()) {
+        answered(call.reply());
+        return;
+    }
+    auto *watcher = new QDBusPendingCallWatcher(call, this);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this, [watcher, answered] {
+        watcher->deleteLater();
+        answered(watcher->reply());
+    });
 }

@@ -3,9 +3,11 @@
 #include <QList>
 #include <QObject>
 #include <QVariant>
+#include <functional>
 
 class QDBusAbstractInterface;
 class QDBusMessage;
+class QDBusPendingCall;
 
 /**
  * Knows whether the device is online, and brings a connection up on demand.
@@ -13,8 +15,8 @@ class QDBusMessage;
  * It follows the connectivity daemon on the system bus: the state is what the daemon reported last,
  * 0 until it has reported one, and is never set from here. connect(), selectConnection() and
  * smartConnect() only ask for a connection and do not wait for it; whoever waits watches
- * connectionStateChanged(). No call takes longer than TimeConstants::busCallTimeout, and a missing
- * bus or daemon leaves the state 0 without any further sign.
+ * connectionStateChanged(). Calls are sent and not waited for, and a missing bus or daemon leaves
+ * the state 0 without any further sign.
  *
  * There is one object in the process. main() makes it before the application object and owns it;
  * everybody else finds it through instance().
@@ -32,10 +34,18 @@ public:
 
     /** States 2, 3 and 4: one that is being torn down still counts as connected. */
     bool isConnected() const;
+    /**
+     * Whether the daemon has answered the first question for its state and all that it announced
+     * has been reported. A daemon or a bus that is not there counts as having answered.
+     */
+    bool isStateKnown() const;
 
     /** Asks the daemon for its state, which arrives as a report. */
     void requestConnectionState();
-    /** Shows the connection chooser, with three attempts at most when it answers with errors. */
+    /**
+     * Shows the connection chooser, with three attempts at most when it answers with errors. One
+     * that has not answered may well be open and is not asked again.
+     */
     void selectConnection();
     /** Lets the daemon choose and bring up a connection. */
     void connect();
@@ -58,8 +68,16 @@ public slots:
     void updateState(const QDBusMessage &message);
 
 private:
+    using Answered = std::function<void(const QDBusMessage &reply)>;
+
+    void whenAnswered(const QDBusPendingCall &call, const Answered &answered);
+    void openChooser(int attempts);
+
     QDBusAbstractInterface *m_daemon = nullptr;
     QDBusAbstractInterface *m_dialog = nullptr;
     quint32 m_state = 0;
     bool m_firstReport = true;
+    bool m_stateAnswered = false;
+    quint32 m_announcedReports = 0; // by the answers so far
+    quint32 m_stateReports = 0;
 };

@@ -1,9 +1,15 @@
 #include "gconfbackend.h"
 
 #include "qgconfloader.h"
+#include "timeconstants.h"
 
+#include <QDeadlineTimer>
 #include <QDebug>
+#include <QElapsedTimer>
 #include <QString>
+#include <QThread>
+
+#include <memory>
 
 // What is used of GConf and GLib, declared here because neither is needed to build the program.
 struct GError;
@@ -117,56 +123,132 @@ QVariant typedValue(GConfClient *client, const QByteArray &key, const GConfValue
     case ListValue:
         return firstOf(value);
     default:
-        qWarning("CGConfBackend::value: the type %d is not yet supported.", value->type);
-        return {};
+        break;
     }
     return error.isSet() ? QVariant() : result;
+}
+
+bool isSupported(int type)
+{
+    return type == StringValue || type == IntValue || type == BoolValue || type == ListValue;
+}
+
+// What became of a read; nothing was found unless it says so.
+struct Reading
+{
+    enum Outcome { NotFound, Null, Found };
+
+    Outcome outcome = NotFound;
+    int type = 0;
+    QVariant value;
+};
+
+Reading read(GConfClient *client, const QByteArray &key)
+{
+    // Over a key that is no path GConf ends the program instead of reporting an error.
+    if (!key.startsWith('/'))
+        return {};
+    ErrorGuard error;
+    GConfValue *value = gconf_client_get(client, key.constData(), error.out());
+    if (error.isSet())
+        return {};
+    if (!value)
+        return {Reading::Null, 0, QVariant()};
+    const Reading reading{Reading::Found, value->type, typedValue(client, key, value)};
+    gconf_value_free(value);
+    return reading;
 }
 
 } // namespace
 
 CGConfBackend::CGConfBackend()
+    : m_patience(timeConstants().gconfWait)
 {
     qgconf_loadLibGConf();
-    m_client = gconf_client_get_default();
-    available = m_client;
 }
 
 CGConfBackend::~CGConfBackend()
 {
+    available = false;
+    if (isStuck())
+        return; // what is still in use goes with the process
     if (m_client)
         g_object_unref(m_client);
-    available = false;
     qgconf_unloadLibGConf();
 }
 
 CGConfBackend *CGConfBackend::instance()
 {
     static CGConfBackend backend;
+    if (!available)
+        backend.open();
     return available ? &backend : nullptr;
 }
 
-QVariant CGConfBackend::value(const QString &key) const
+void CGConfBackend::open()
+{
+    if (!qgconf_resolve_me("gconf_client_get_default"))
+        return;
+    const auto client = std::make_shared<GConfClient *>(nullptr);
+    if (carryOut([client] { *client = gconf_client_get_default(); }))
+        m_client = *client;
+    available = m_client;
+}
+
+QVariant CGConfBackend::value(const QString &key)
 {
     if (!m_client) {
         qWarning("Warning: CGConfBackend::value gclient not initialized yet");
         return {};
     }
-    const QByteArray localKey = key.toLocal8Bit();
-    ErrorGuard error;
-    // Over a key that is no path GConf ends the program instead of reporting an error.
-    const bool isPath = localKey.startsWith('/');
-    GConfValue *value =
-        isPath ? gconf_client_get(m_client, localKey.constData(), error.out()) : nullptr;
-    if (!isPath || error.isSet()) {
+    const auto reading = std::make_shared<Reading>();
+    const bool answered = carryOut([reading, client = m_client, localKey = key.toLocal8Bit()] {
+        *reading = read(client, localKey);
+    });
+    if (answered)
+        m_patience = timeConstants().gconfWait;
+    if (!answered || reading->outcome == Reading::NotFound) {
         qWarning() << "Warning: CGConfBackend::value unable to find key:" << key;
         return {};
     }
-    if (!value) {
+    if (reading->outcome == Reading::Null) {
         qWarning() << "Warning: CGConfBackend::value got a NULL value for key:" << key;
         return {};
     }
-    const QVariant result = typedValue(m_client, localKey, value);
-    gconf_value_free(value);
-    return result;
+    if (!isSupported(reading->type))
+        qWarning("CGConfBackend::value: the type %d is not yet supported.", reading->type);
+    return reading->value;
+}
+
+// Calls the library from a thread of its own, since a server that hangs holds a call up for 25 s.
+// Returns false when the call has not ended in time; it then goes on, and nothing else is called
+// until it has ended. Opening and the read after it share one time.
+bool CGConfBackend::carryOut(const std::function<void()> &call)
+{
+    if (isStuck())
+        return false;
+    QThread *thread = QThread::create(call);
+    QElapsedTimer timer;
+    timer.start();
+    thread->start();
+    if (thread->wait(QDeadlineTimer(m_patience))) {
+        delete thread;
+        m_patience = qMax<qint64>(0, m_patience - timer.elapsed());
+        return true;
+    }
+    m_stuck = thread;
+    m_patience = timeConstants().gconfWait;
+    return false;
+}
+
+bool CGConfBackend::isStuck()
+{
+    if (!m_stuck)
+        return false;
+    if (!m_stuck->isFinished())
+        return true;
+    m_stuck->wait();
+    delete m_stuck;
+    m_stuck = nullptr;
+    return false;
 }

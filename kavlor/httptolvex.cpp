@@ -1,6 +1,7 @@
 #include "httptolvex.h"
 
 #include "auctionrecord.h"
+#include "connectionwait.h"
 #include "connector.h"
 #include "imagefile.h"
 #include "kavlornotificationoptions.h"
@@ -12,6 +13,7 @@
 
 #include <QAuthenticator>
 #include <QCoreApplication>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryFile>
@@ -464,30 +466,49 @@ void CHttpTolvex::send(const QHttpRequestHeader &header, const QByteArray &body,
                                tr("Unable to query kavlor server"));
         return;
     }
-    QTimer::singleShot(responseTimeout, this, qOverload<>(&CHttpTolvex::cancelRequest));
+    QTimer::singleShot(responseTimeout, Qt::PreciseTimer, this,
+                       qOverload<>(&CHttpTolvex::cancelRequest));
 }
 
 // Asks for a connection and returns when there is one, or when none came in time, which it has
-// reported then. Also returns false when the object was deleted meanwhile.
+// reported then. Also returns false when there is nobody left to report to.
 bool CHttpTolvex::waitForConnection()
 {
     const QPointer<CHttpTolvex> self(this);
+    const ConnectionWait wait(this);
     m_setupTimedOut = false;
-    QTimer::singleShot(timeConstants().connectionWait, this,
+    QTimer::singleShot(timeConstants().connectionWait, Qt::PreciseTimer, this,
                        &CHttpTolvex::onConnectionSetupTimeout);
-    if (m_connector)
+    waitForState(wait);
+    if (self && isWaiting(wait) && m_connector)
         m_connector->smartConnect();
-    while (self && !m_connected && !m_setupTimedOut) {
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents
-                                        | QEventLoop::WaitForMoreEvents);
-    }
-    if (!self)
+    while (self && isWaiting(wait))
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    if (!self || wait.isPointless())
         return false;
     if (m_connected)
         return true;
     emit requestIsFinished(QStringLiteral("ERROR:no connection"),
                            tr("Unable to create a connection"));
     return false;
+}
+
+// Takes what the daemon has reported so far; at the program's start that may still be on its way.
+void CHttpTolvex::waitForState(const ConnectionWait &wait)
+{
+    const QPointer<CHttpTolvex> self(this);
+    QTimer::singleShot(timeConstants().stateAnswerWait, Qt::PreciseTimer, this,
+                       [this] { m_stateOverdue = true; });
+    QCoreApplication::processEvents();
+    while (self && isWaiting(wait) && m_connector && !m_connector->isStateKnown()
+           && !m_stateOverdue) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+}
+
+bool CHttpTolvex::isWaiting(const ConnectionWait &wait) const
+{
+    return !m_connected && !m_setupTimedOut && !wait.isPointless();
 }
 
 // Deletes the file of the reply, on disk too.

@@ -10,6 +10,7 @@
 class CConnector;
 class CKavlorNotificationOptions;
 class CKavlorUser;
+class ConnectionWait;
 class QAuthenticator;
 class QHttp;
 class QHttpRequestHeader;
@@ -25,10 +26,11 @@ struct CAuctionRecord;
  * nothing is checked here.
  *
  * When there is no network connection, an operation first asks for one and waits for it in an
- * event loop that keeps the member's clicks and keys out. Every outcome then comes through one of
- * the two result signals. The time-out of a request is never called off: when it passes, it
- * cancels whatever the object is doing by then, and reports that, even when that is nothing. A
- * cancelled request ends by itself later, which gives a second, empty result.
+ * event loop that keeps the member's clicks and keys out. When the window is closed meanwhile, or
+ * the program is about to end, nothing more is heard of the operation. Every other outcome comes
+ * through one of the two result signals. The time-out of a request is never called off: when it
+ * passes, it cancels whatever the object is doing by then, and reports that, even when that is
+ * nothing. A cancelled request ends by itself later, which gives a second, empty result.
  */
 class CHttpTolvex : public QObject
 {
@@ -88,6 +90,8 @@ protected:
 
 private:
     bool waitForConnection();
+    void waitForState(const ConnectionWait &wait);
+    bool isWaiting(const ConnectionWait &wait) const;
     void dropTempFile();
 
     const QString m_baseUrl;
@@ -102,4 +106,5 @@ private:
     QPointer<CConnector> m_connector; // process-wide; may be missing
     bool m_setupTimedOut = false;
     bool m_connected = false;
+    bool m_stateOverdue = false; // the daemon had its time to tell the state
 };

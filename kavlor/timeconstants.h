@@ -16,7 +16,8 @@ struct TimeConstants
     int uploadTimeout = 1800000; ///< for the reply to an upload
     int rotationDelay = 50;      ///< before a preview is turned
     int categoryDelay = 50;      ///< before a chosen category is handed on
-    int busCallTimeout = 2000;   ///< for one synchronous D-Bus call
+    int stateAnswerWait = 2000;  ///< of the connectionWait, for the daemon to tell its state
+    int gconfWait = 2000;        ///< for the GConf server to answer
 };
 
 const TimeConstants &timeConstants();

@@ -9,7 +9,11 @@
 #include "testmain.h"
 
 #include <QElapsedTimer>
+#include <QFrame>
+#include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
+#include <QShortcut>
 #include <QSignalSpy>
 #include <QTimer>
 #include <QWindow>
@@ -82,8 +86,14 @@ private slots:
     void secondRequestDoesNotAskAgain();
     void daemonMayComeDuringTheWait();
     void daemonMayGoDuringTheWait();
-    void silentDaemonHoldsUpNoLongerThanItsCalls();
+    void onlineAtTheStartNoConnectionIsAskedFor_data();
+    void onlineAtTheStartNoConnectionIsAskedFor();
+    void silentDaemonIsAskedForAConnectionAllTheSame();
+    void closedWindowEndsTheWait_data();
+    void closedWindowEndsTheWait();
+    void endOfTheProgramEndsTheWait();
     void inputIsDeadAndTimersLiveDuringTheWait();
+    void aDialogDuringTheWaitCanBeAnswered();
     void requestMayBeDeletedDuringTheWait();
     void twoRequestsMayWait();
 
@@ -112,6 +122,7 @@ void tst_ConnectionWait::init()
     QVERIFY(m_daemon->enter());
     m_service = std::make_unique<ScriptedService>();
     m_connector = std::make_unique<CConnector>();
+    QTRY_VERIFY(m_connector->isStateKnown());
 }
 
 void tst_ConnectionWait::cleanup()
@@ -347,48 +358,154 @@ void tst_ConnectionWait::daemonMayGoDuringTheWait()
     QCOMPARE(request.response(), QStringLiteral("ERROR:no connection"));
 }
 
-void tst_ConnectionWait::silentDaemonHoldsUpNoLongerThanItsCalls()
+void tst_ConnectionWait::onlineAtTheStartNoConnectionIsAskedFor_data()
 {
-    testTimeConstants().connectionWait = 300;
-    testTimeConstants().busCallTimeout = 100;
-    // The objects of init() were made with the program's own time-out.
+    QTest::addColumn<bool>("answerFirst");
+
+    QTest::newRow("report, answer") << false;
+    QTest::newRow("answer, report") << true;
+}
+
+void tst_ConnectionWait::onlineAtTheStartNoConnectionIsAskedFor()
+{
+    QFETCH(bool, answerFirst);
+
+    // As in the program's start: the first request comes before any event was handled, and while
+    // the daemon has not answered.
+    m_daemon->takeCalls();
+    m_daemon->setState(2);
+    m_daemon->setAnswerBeforeReports(answerFirst);
+    m_daemon->hold(QStringLiteral("state_req"));
     m_connector = std::make_unique<CConnector>();
-    QVERIFY(configure(""));
-    m_daemon->setSilent(true);
+    QTimer answers;
+    connect(&answers, &QTimer::timeout, this, [this] { m_daemon->release(); });
+    answers.start(100);
+    m_service->expect("GetServiceTerms", "terms");
     Request request;
-    QElapsedTimer timer;
-    timer.start();
     request.send();
-    QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
+    QTRY_COMPARE(request.resultCount(), 1);
+    QCOMPARE(request.response(), QStringLiteral("terms"));
+    QCOMPARE(m_daemon->members(), QStringList{QStringLiteral("state_req")});
+}
+
+void tst_ConnectionWait::silentDaemonIsAskedForAConnectionAllTheSame()
+{
+    testTimeConstants().connectionWait = 600;
+    testTimeConstants().stateAnswerWait = 100;
+    m_daemon->takeCalls();
+    m_daemon->setSilent(true);
+    m_connector = std::make_unique<CConnector>();
+    Request request;
+    request.send();
     QCOMPARE(request.resultCount(), 1);
     QCOMPARE(request.response(), QStringLiteral("ERROR:no connection"));
+    QCOMPARE(m_daemon->members(),
+             (QStringList{QStringLiteral("state_req"), QStringLiteral("connect_req")}));
+    QCOMPARE(m_service->connectionCount(), 0);
+
+    // The next request asks at once.
+    m_daemon->takeCalls();
+    testTimeConstants().stateAnswerWait = 60000;
+    QTimer::singleShot(200, this, [this] { m_daemon->reportState(2); });
+    m_service->expect("GetServiceTerms", "terms");
+    request.send();
+    QTRY_COMPARE(request.resultCount(), 2);
+    QCOMPARE(m_daemon->members(), QStringList{QStringLiteral("connect_req")});
+}
+
+void tst_ConnectionWait::closedWindowEndsTheWait_data()
+{
+    QTest::addColumn<bool>("byTheMember");
+
+    QTest::newRow("by the member") << true;
+    QTest::newRow("by the program") << false;
+}
+
+void tst_ConnectionWait::closedWindowEndsTheWait()
+{
+    QFETCH(bool, byTheMember);
+
+    testTimeConstants().connectionWait = 60000;
+    goOffline();
+    QWidget window;
+    auto *frame = new QFrame(&window);
+    auto *http = new CHttpTolvex(frame);
+    QSignalSpy results(http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QTimer::singleShot(20, this, [&] {
+        if (byTheMember) {
+            QWindowSystemInterface::handleCloseEvent<QWindowSystemInterface::AsynchronousDelivery>(
+                window.windowHandle());
+        } else {
+            window.close();
+        }
+    });
+    QElapsedTimer timer;
+    timer.start();
+    http->getServiceTerms();
+    QVERIFY2(timer.elapsed() < 30000, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY(!window.isVisible());
+    QCOMPARE(results.size(), 0);
+    QCOMPARE(m_service->connectionCount(), 0);
+}
+
+void tst_ConnectionWait::endOfTheProgramEndsTheWait()
+{
+    testTimeConstants().connectionWait = 60000;
+    goOffline();
+    Request request;
+    QTimer::singleShot(0, this, [&] { request.send(); });
+    QTimer::singleShot(20, this, [] { QCoreApplication::quit(); });
+    QElapsedTimer timer;
+    timer.start();
+    QCoreApplication::exec();
+    QVERIFY2(timer.elapsed() < 30000, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(request.resultCount(), 0);
     QCOMPARE(m_service->connectionCount(), 0);
 }
 
 void tst_ConnectionWait::inputIsDeadAndTimersLiveDuringTheWait()
 {
-    QPushButton button;
+    QWidget window;
+    QPushButton button(&window);
     button.resize(200, 60);
-    button.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&button));
+    button.setFocusPolicy(Qt::NoFocus);
+    QLineEdit line(&window);
+    line.setGeometry(0, 80, 200, 40);
+    line.setFocus();
+    window.show();
+    window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
     QSignalSpy clicks(&button, &QPushButton::clicked);
+    QShortcut shortcut(QKeySequence(Qt::Key_F5), &window);
+    QSignalSpy shortcuts(&shortcut, &QShortcut::activated);
 
-    // The member clicks while the request waits, as the window system would tell it.
+    // The member clicks and types while the request waits, as the window system would tell it.
     const QPoint centre = button.rect().center();
     const auto mouse = [&](Qt::MouseButtons held, QEvent::Type type) {
         QWindowSystemInterface::handleMouseEvent<QWindowSystemInterface::AsynchronousDelivery>(
-            button.windowHandle(), centre, button.mapToGlobal(centre), held, Qt::LeftButton, type);
+            window.windowHandle(), centre, button.mapToGlobal(centre), held, Qt::LeftButton, type);
     };
-    const auto click = [&] {
+    const auto key = [&](Qt::Key code, const QString &text) {
+        for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QWindowSystemInterface::handleKeyEvent<QWindowSystemInterface::AsynchronousDelivery>(
+                window.windowHandle(), type, code, Qt::NoModifier, text);
+        }
+    };
+    const auto use = [&] {
         mouse(Qt::LeftButton, QEvent::MouseButtonPress);
         mouse(Qt::NoButton, QEvent::MouseButtonRelease);
+        key(Qt::Key_A, QStringLiteral("a"));
+        key(Qt::Key_F5, QString());
+        key(Qt::Key_B, QStringLiteral("b"));
     };
     int ticks = 0;
     QTimer ticker;
     connect(&ticker, &QTimer::timeout, this, [&] {
         ++ticks;
         if (ticks == 2)
-            click();
+            use();
         if (ticks == 20)
             m_daemon->reportState(2);
     });
@@ -400,12 +517,47 @@ void tst_ConnectionWait::inputIsDeadAndTimersLiveDuringTheWait()
     request.send();
     QVERIFY(ticks >= 20);
     QCOMPARE(clicks.size(), 0);
+    QCOMPARE(shortcuts.size(), 0);
+    QCOMPARE(line.text(), QString());
 
-    // What was clicked is not lost: it is taken once the wait is over.
+    // What was clicked and typed is not lost: it is taken once the wait is over.
     QTRY_COMPARE(clicks.size(), 1);
+    QTRY_COMPARE(line.text(), QStringLiteral("ab"));
+    QTRY_COMPARE(shortcuts.size(), 1);
     QTRY_VERIFY(m_service->isHolding());
     m_service->release();
     QTRY_COMPARE(request.resultCount(), 1);
+}
+
+void tst_ConnectionWait::aDialogDuringTheWaitCanBeAnswered()
+{
+    goOffline();
+    bool answered = false;
+    QTimer::singleShot(20, this, [&] {
+        QMessageBox box(QMessageBox::Information, QString(), QStringLiteral("Late news"),
+                        QMessageBox::Ok);
+        QTimer::singleShot(0, &box, [&box] {
+            const QAbstractButton *button = box.button(QMessageBox::Ok);
+            const QPoint where = button->mapTo(&box, button->rect().center());
+            for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+                QWindowSystemInterface::handleMouseEvent<
+                    QWindowSystemInterface::AsynchronousDelivery>(
+                    box.windowHandle(), where, box.mapToGlobal(where),
+                    type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
+                    Qt::LeftButton, type);
+            }
+        });
+        QTimer::singleShot(10000, &box, &QDialog::reject); // so that a failure ends
+        answered = box.exec() == QMessageBox::Ok;
+        m_daemon->reportState(2);
+    });
+    testTimeConstants().connectionWait = 30000;
+    m_service->expect("GetServiceTerms", "terms");
+    Request request;
+    request.send();
+    QVERIFY(answered);
+    QTRY_COMPARE(request.resultCount(), 1);
+    QCOMPARE(request.response(), QStringLiteral("terms"));
 }
 
 void tst_ConnectionWait::requestMayBeDeletedDuringTheWait()

@@ -4,7 +4,15 @@
 #include "testcase.h"
 #include "testmain.h"
 
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusReply>
+#include <QDir>
+#include <QElapsedTimer>
 #include <QProcess>
+#include <QScopeGuard>
+
+#include <csignal>
 
 namespace {
 
@@ -22,6 +30,13 @@ QByteArray probeWithLibraries(const QString &folder)
     probe.closeWriteChannel();
     probe.waitForFinished();
     return probe.readAll();
+}
+
+qsizetype threadCount()
+{
+    return QDir(QStringLiteral("/proc/self/task"))
+        .entryList(QDir::Dirs | QDir::NoDotAndDotDot)
+        .size();
 }
 
 } // namespace
@@ -47,6 +62,7 @@ private slots:
     void valueIsReadAnewEachTime();
     void functionsResolveByName();
     void withoutTheLibraryThereIsNoReader();
+    void hungServerIsGivenUp();
     void withoutAServerNothingIsRead();
 
 private:
@@ -253,6 +269,35 @@ void tst_GConfBackend::withoutTheLibraryThereIsNoReader()
     library.write("no library\n");
     library.close();
     QCOMPARE(probeWithLibraries(folder.path()), QByteArray("no gconf\nready\n"));
+}
+
+void tst_GConfBackend::hungServerIsGivenUp()
+{
+    QVERIFY(store({QStringLiteral("int"), QStringLiteral("5")}));
+    QCOMPARE(read(), QVariant(5));
+    const QDBusReply<uint> server =
+        QDBusConnection::sessionBus().interface()->servicePid(QStringLiteral("org.gnome.GConf"));
+    QVERIFY2(server.isValid(), qPrintable(server.error().message()));
+    const auto pid = static_cast<pid_t>(server.value());
+    const qsizetype threads = threadCount();
+    QCOMPARE(kill(pid, SIGSTOP), 0);
+    const auto resume = qScopeGuard([pid] { kill(pid, SIGCONT); });
+
+    // The first read takes the time it is given; no other waits for what hangs already.
+    for (const qint64 atMost : {3500, 500, 500}) {
+        QTest::ignoreMessage(QtWarningMsg,
+                             "Warning: CGConfBackend::value unable to find key: "
+                             "\"/apps/kavlor-test/value\"");
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(!read().isValid());
+        QVERIFY2(timer.elapsed() < atMost, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    // Once it has answered, and the thread that waited for it is gone, it is asked again.
+    QCOMPARE(kill(pid, SIGCONT), 0);
+    QTRY_COMPARE(threadCount(), threads);
+    QCOMPARE(read(), QVariant(5));
 }
 
 void tst_GConfBackend::withoutAServerNothingIsRead()

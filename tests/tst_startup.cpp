@@ -3,7 +3,9 @@
 #include "testmain.h"
 #include "wholesystem.h"
 
+#include <QElapsedTimer>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QSettings>
 
 /**
@@ -22,6 +24,8 @@ private slots:
     void withoutAServiceTheProgramSaysSoAndEnds();
     void theLoginIsRememberedAcrossStarts();
     void aWindowClosedDuringTheStartEndsTheProgram();
+    void offlineAWindowClosedDuringTheStartEndsTheProgramAtOnce();
+    void aStoppedConnectivityDaemonDoesNotHoldUpTheFirstWindow();
 
 private:
     QString settingsFile() const;
@@ -121,6 +125,47 @@ void tst_Startup::aWindowClosedDuringTheStartEndsTheProgram()
     QVERIFY2(m_system.client->start(), qPrintable(m_system.client->error()));
     QTRY_VERIFY(service.isHolding());
     QVERIFY(m_system.client->close());
+    // Online, nobody was asked how to connect.
+    const QByteArray output = m_system.client->output();
+    QVERIFY2(!output.contains("CGConfBackend"), output.constData());
+}
+
+void tst_Startup::offlineAWindowClosedDuringTheStartEndsTheProgramAtOnce()
+{
+    QVERIFY(m_system.setNetworkState(0));
+    const auto online = qScopeGuard([this] { QVERIFY(m_system.setNetworkState(2)); });
+    QVERIFY2(m_system.client->start(), qPrintable(m_system.client->error()));
+    QVERIFY(m_system.client->waitFor(QStringLiteral("progressMessage")));
+    // It would wait for a connection for longer than this has patience.
+    QVERIFY2(m_system.client->close(), qPrintable(m_system.client->error()));
+}
+
+void tst_Startup::aStoppedConnectivityDaemonDoesNotHoldUpTheFirstWindow()
+{
+    const auto timeToTheFirstWindow = [this] {
+        QElapsedTimer timer;
+        timer.start();
+        const bool shown =
+            m_system.client->start() && m_system.client->waitFor(QStringLiteral("progressMessage"));
+        const qint64 time = timer.elapsed();
+        m_system.client->kill();
+        return shown ? time : -1;
+    };
+    ScriptedService service(nullptr, WholeSystem::servicePort());
+    for (int start = 0; start < 2; ++start)
+        service.expectHeld("GetServiceTerms", "terms");
+    timeToTheFirstWindow(); // only loads what is loaded from disk
+    const qint64 usual = timeToTheFirstWindow();
+    QVERIFY(usual >= 0);
+    m_system.stopDaemon();
+    const qint64 withStoppedDaemon = timeToTheFirstWindow();
+    m_system.resumeDaemon();
+    QVERIFY(withStoppedDaemon >= 0);
+    const QByteArray times = "usually " + QByteArray::number(usual) + " ms, with a stopped daemon "
+        + QByteArray::number(withStoppedDaemon) + " ms";
+    qInfo("%s", times.constData());
+    // Far below the time of one answer that is waited for, far above what load adds to a start.
+    QVERIFY2(withStoppedDaemon < usual + 1500, times.constData());
 }
 
 KAVLOR_TEST_MAIN(tst_Startup)

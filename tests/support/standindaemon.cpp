@@ -78,6 +78,27 @@ void StandInDaemon::setSilent(bool silent)
     m_silent = silent;
 }
 
+void StandInDaemon::hold(const QString &member)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_heldMember = member;
+}
+
+void StandInDaemon::release()
+{
+    const QMutexLocker locker(&m_mutex);
+    m_heldMember.clear();
+    const QList<QDBusMessage> held = std::exchange(m_held, {});
+    for (const QDBusMessage &message : held)
+        respond(message);
+}
+
+void StandInDaemon::setAnswerBeforeReports(bool answerFirst)
+{
+    const QMutexLocker locker(&m_mutex);
+    m_answerFirst = answerFirst;
+}
+
 QList<StandInDaemon::Call> StandInDaemon::takeCalls()
 {
     const QMutexLocker locker(&m_mutex);
@@ -109,9 +130,18 @@ bool StandInDaemon::handleMessage(const QDBusMessage &message, const QDBusConnec
 {
     const QMutexLocker locker(&m_mutex);
     m_calls.append({message.member(), message.signature(), message.arguments()});
-    if (!m_silent)
-        m_bus.send(answer(message));
+    if (message.member() == m_heldMember)
+        m_held.append(message);
+    else if (!m_silent)
+        respond(message);
     return true;
+}
+
+void StandInDaemon::respond(const QDBusMessage &message)
+{
+    m_bus.send(answer(message));
+    if (m_answerFirst && message.member() == QLatin1String("state_req") && m_state != 0)
+        report(stateArguments(m_state));
 }
 
 QDBusMessage StandInDaemon::answer(const QDBusMessage &message)
@@ -119,7 +149,7 @@ QDBusMessage StandInDaemon::answer(const QDBusMessage &message)
     const QString call =
         message.interface() + QLatin1Char('.') + message.member() + message.signature();
     if (call == QLatin1String("com.nokia.icd2.state_req")) {
-        if (m_state != 0)
+        if (m_state != 0 && !m_answerFirst)
             report(stateArguments(m_state));
         return message.createReply(m_state != 0 ? 1U : 0U);
     }

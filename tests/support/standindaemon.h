@@ -11,8 +11,8 @@
 /**
  * Stands in for the connectivity daemon and its chooser on a private bus, with their signatures.
  *
- * It has a connection and a thread of its own, so that it can answer the synchronous calls of the
- * thread that tests it. Every call it gets is kept as it came; its functions may be called from the
+ * It has a connection and a thread of its own, so that it answers whatever the thread that tests it
+ * is doing. Every call it gets is kept as it came; its functions may be called from the
  * test's thread at any time.
  */
 class StandInDaemon : private QDBusVirtualObject
@@ -46,6 +46,12 @@ public:
     void failChooser(int times);
     /** Calls are taken, but never answered. */
     void setSilent(bool silent);
+    /** Calls of @p member are answered by release() only. */
+    void hold(const QString &member);
+    /** Answers what is held, and holds nothing any more. */
+    void release();
+    /** state_req is answered first and reports afterwards. */
+    void setAnswerBeforeReports(bool answerFirst);
 
     /** The calls since the start or the last time this was called. */
     QList<Call> takeCalls();
@@ -58,6 +64,7 @@ public:
 private:
     QString introspect(const QString &path) const override;
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
+    void respond(const QDBusMessage &message);
     QDBusMessage answer(const QDBusMessage &message);
 
     QString m_connectionName;
@@ -70,4 +77,7 @@ private:
     quint32 m_stateOnConnect = 0;
     int m_chooserFailures = 0;
     bool m_silent = false;
+    bool m_answerFirst = false;
+    QString m_heldMember;
+    QList<QDBusMessage> m_held;
 };

@@ -6,11 +6,18 @@
 #include <QPainter>
 #include <QTest>
 
+#include <csignal>
+
 WholeSystem::WholeSystem() = default;
 
 WholeSystem::~WholeSystem()
 {
     client.reset();
+    endBridge();
+}
+
+void WholeSystem::endBridge()
+{
     m_bridge.kill();
     m_bridge.waitForFinished();
 }
@@ -19,9 +26,16 @@ bool WholeSystem::startConnectivity()
 {
     if (!m_bus.start())
         return false;
-    m_bridge.start(
-        QStringLiteral(KAVLOR_BRIDGE),
-        {QStringLiteral("--bus"), m_bus.address(), QStringLiteral("--state"), QStringLiteral("2")});
+    client = std::make_unique<ClientDriver>();
+    return setNetworkState(2);
+}
+
+bool WholeSystem::setNetworkState(int state)
+{
+    endBridge();
+    m_bridge.start(QStringLiteral(KAVLOR_BRIDGE),
+                   {QStringLiteral("--bus"), m_bus.address(), QStringLiteral("--state"),
+                    QString::number(state)});
     const QString name = QStringLiteral("wholesystem");
     const QDBusConnection bus = QDBusConnection::connectToBus(m_bus.address(), name);
     const bool up = QTest::qWaitFor([&bus] {
@@ -29,8 +43,17 @@ bool WholeSystem::startConnectivity()
             && bus.interface()->isServiceRegistered(QStringLiteral("com.nokia.icd2"));
     });
     QDBusConnection::disconnectFromBus(name);
-    client = std::make_unique<ClientDriver>();
     return up;
+}
+
+void WholeSystem::stopDaemon()
+{
+    ::kill(static_cast<pid_t>(m_bridge.processId()), SIGSTOP);
+}
+
+void WholeSystem::resumeDaemon()
+{
+    ::kill(static_cast<pid_t>(m_bridge.processId()), SIGCONT);
 }
 
 bool WholeSystem::startService(const QStringList &options)

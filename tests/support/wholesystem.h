@@ -23,6 +23,11 @@ public:
 
     /** Starts bus and bridge, the device being online. */
     bool startConnectivity();
+    /** Has the device be in the daemon's state @p state from the next start of the client on. */
+    bool setNetworkState(int state);
+    /** Stops the daemon in mid work: it keeps its names and answers nothing until resumed. */
+    void stopDaemon();
+    void resumeDaemon();
     /** Starts the service where the client looks for it, with @p options such as "--seed". */
     bool startService(const QStringList &options = {});
 
@@ -41,6 +46,8 @@ public:
     std::unique_ptr<ClientDriver> client;
 
 private:
+    void endBridge();
+
     PrivateBus m_bus;
     QProcess m_bridge;
 };

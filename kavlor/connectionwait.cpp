@@ -1,0 +1,61 @@
+#include "connectionwait.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QThread>
+
+namespace {
+
+const QObject *outermost(const QObject *object)
+{
+    while (object->parent())
+        object = object->parent();
+    return object;
+}
+
+// Asked by name: what waits need not know of widgets.
+bool isOpen(const QObject *window)
+{
+    return window && window->isWidgetType() && window->property("visible").toBool();
+}
+
+} // namespace
+
+ConnectionWait::ConnectionWait(const QObject *waiting)
+    : m_window(outermost(waiting))
+    , m_hadWindow(isOpen(m_window))
+    , m_loopLevel(QThread::currentThread()->loopLevel())
+{
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+ConnectionWait::~ConnectionWait()
+{
+    QCoreApplication::instance()->removeEventFilter(this);
+    for (const auto &[window, event] : std::as_const(m_held)) {
+        if (window)
+            QCoreApplication::postEvent(window, event);
+        else
+            delete event;
+    }
+}
+
+bool ConnectionWait::isPointless() const
+{
+    return m_quitting || (m_hadWindow && !isOpen(m_window));
+}
+
+bool ConnectionWait::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Quit)
+        m_quitting = true;
+    if (!watched->isWindowType() || !event->isInputEvent())
+        return false;
+    if (QThread::currentThread()->loopLevel() > m_loopLevel)
+        return false; // a dialog runs on top of the wait and wants to be answered
+    // One that asks whether a key is a shortcut is answered with no, and the key itself follows.
+    if (event->type() != QEvent::ShortcutOverride)
+        m_held.append({watched, event->clone()});
+    event->accept();
+    return true;
+}
