@@ -207,7 +207,8 @@ void tst_AccountFlow::failedCreationStaysInTheForm()
 void tst_AccountFlow::cancelLeavesAtAnyMoment_data()
 {
     QTest::addColumn<QByteArray>("moment");
-    for (const char *moment : {"opened", "typing", "error", "complete", "running", "failed"})
+    for (const char *moment :
+         {"opened", "typing", "error", "complete", "running", "replied", "failed"})
         QTest::newRow(moment) << QByteArray(moment);
 }
 
@@ -221,7 +222,8 @@ void tst_AccountFlow::cancelLeavesAtAnyMoment()
         QVERIFY(window.type("lineUsername", QStringLiteral("m")));
     if (moment == "error")
         QVERIFY(window.click("submitButton"));
-    if (moment == "complete" || moment == "running" || moment == "failed")
+    const bool sent = moment == "running" || moment == "replied";
+    if (moment == "complete" || sent || moment == "failed")
         QVERIFY(fillIn(window));
     if (moment == "failed") {
         window.service.expect("CreateAccount", "ERROR");
@@ -229,14 +231,17 @@ void tst_AccountFlow::cancelLeavesAtAnyMoment()
         QTRY_COMPARE(window.dialogs.boxes().size(), 1);
         QTRY_VERIFY(window.find("submitButton")->isEnabled());
     }
-    if (moment == "running") {
+    if (sent) {
         window.service.expectHeld("CreateAccount", "4711");
         QVERIFY(window.click("submitButton"));
         QTRY_VERIFY(window.service.isHolding());
     }
     const qsizetype boxesBefore = window.dialogs.boxes().size();
 
-    QVERIFY(window.click("cancelNavigationButton"));
+    if (moment == "replied")
+        QVERIFY(window.clickAsReplyComes("cancelNavigationButton", creation));
+    else
+        QVERIFY(window.click("cancelNavigationButton"));
     QVERIFY(window.shown<FrameWelcomeKavlor>());
     QVERIFY(!window.shown<FrameCreateAccount>());
     QCOMPARE(window.text("labelWelcomeTo"), QStringLiteral("welcome to "));

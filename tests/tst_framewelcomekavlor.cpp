@@ -1,5 +1,7 @@
+#include "framecreateaccount.h"
 #include "framewelcomekavlor.h"
 #include "kavlorlogin.h"
+#include "pixels.h"
 #include "rootwindow.h"
 #include "testcase.h"
 #include "testmain.h"
@@ -14,7 +16,9 @@ class tst_FrameWelcomeKavlor : public TestCase
 
 private slots:
     void asksBothQuestions();
+    void theChoicesStandOnWhite();
     void loginReplacesTheFrame();
+    void accountCreationReplacesTheFrame();
     void doubleClickOpensOneLogin();
     void withoutARootTheLoginIsStillShown();
 };
@@ -29,9 +33,25 @@ void tst_FrameWelcomeKavlor::asksBothQuestions()
         texts.append(label->text());
     QVERIFY(texts.contains(QStringLiteral("New to kavlor?")));
     QVERIFY(texts.contains(QStringLiteral("Already have an account?")));
-    QVERIFY(window.find<QPushButton>("createAccountButton"));
-    QVERIFY(window.find<QPushButton>("loginButton"));
-    QVERIFY(window.find<QFrame>("frameForm"));
+    for (const char *name : {"createAccountButton", "loginButton"}) {
+        QVERIFY(window.find<QPushButton>(name));
+        QCOMPARE(window.find(name)->font().family(), QStringLiteral("AlMateen"));
+    }
+}
+
+void tst_FrameWelcomeKavlor::theChoicesStandOnWhite()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    const QImage form = window.picture("frameForm");
+    QVERIFY(!form.isNull());
+    const QWidget *button = window.find("createAccountButton");
+    const QPoint between(form.width() / 2, button->geometry().center().y());
+    for (const QPoint &free :
+         {between, QPoint(form.width() / 2, 4), QPoint(form.width() / 2, form.height() - 5)})
+        QVERIFY(isNear(form.pixelColor(free), Qt::white));
+    // The rest of the screen is the window's background.
+    QVERIFY(!isNear(window.picture("mainView").pixelColor(4, 4), Qt::white));
 }
 
 void tst_FrameWelcomeKavlor::loginReplacesTheFrame()
@@ -42,6 +62,18 @@ void tst_FrameWelcomeKavlor::loginReplacesTheFrame()
     QVERIFY(window.click("loginButton"));
     QCOMPARE(clicked.count(), 1);
     QVERIFY(window.shown<KavlorLogin>());
+    QTRY_VERIFY(!window.root()->findChild<FrameWelcomeKavlor *>());
+}
+
+void tst_FrameWelcomeKavlor::accountCreationReplacesTheFrame()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    QSignalSpy clicked(window.shown<FrameWelcomeKavlor>(),
+                       &FrameWelcomeKavlor::CreateAccountClicked);
+    QVERIFY(window.click("createAccountButton"));
+    QCOMPARE(clicked.count(), 1);
+    QVERIFY(window.shown<FrameCreateAccount>());
     QTRY_VERIFY(!window.root()->findChild<FrameWelcomeKavlor *>());
 }
 

@@ -1,5 +1,6 @@
 #include "framewelcomekavlor.h"
 #include "kavlorknownuser.h"
+#include "pixels.h"
 #include "rootwindow.h"
 #include "testcase.h"
 #include "testmain.h"
@@ -16,6 +17,8 @@ private slots:
     void init();
 
     void showsTheMember();
+    void buttonsShowTheWays_data();
+    void buttonsShowTheWays();
     void signOutForgetsWhoIsSignedInAndKeepsTheRecord();
     void doubleClickOnSignOutLeavesOneWelcomeFrame();
     void signOutFetchesAfreshAtTheNextLogin();
@@ -35,13 +38,44 @@ void tst_KavlorKnownUser::init()
 void tst_KavlorKnownUser::showsTheMember()
 {
     QCOMPARE(m_window->text("labelWelcome"), QStringLiteral("m1"));
-    QCOMPARE(m_window->text("buttonUpload"), QStringLiteral("Upload"));
-    QCOMPARE(m_window->text("buttonMyKavlor"), QStringLiteral("My kavlor"));
-    QCOMPARE(m_window->text("buttonSettings"), QStringLiteral("Settings"));
-    for (const char *name : {"buttonUpload", "buttonMyKavlor", "buttonSettings"})
-        QVERIFY(!m_window->find<QPushButton>(name)->icon().isNull());
-    QVERIFY(!m_window->find<QLabel>("labelUserIcon")->pixmap().isNull());
+    QCOMPARE(m_window->find("labelWelcome")->font().family(), QStringLiteral("AlArabiya"));
+    QCOMPARE(m_window->find<QLabel>("labelUserIcon")->pixmap().toImage(),
+             QPixmap(QStringLiteral(":/UserIcon.png")).toImage());
     QVERIFY(m_window->find<QTextBrowser>("textBrowser"));
+}
+
+void tst_KavlorKnownUser::buttonsShowTheWays_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("icon");
+    QTest::newRow("upload") << QByteArray("buttonUpload") << "Upload"
+                            << ":/UploadIcon.png";
+    QTest::newRow("my auctions") << QByteArray("buttonMyKavlor") << "My kavlor"
+                                 << ":/myKavlor.png";
+    QTest::newRow("settings") << QByteArray("buttonSettings") << "Settings"
+                              << ":/MySettingsIcon.png";
+}
+
+void tst_KavlorKnownUser::buttonsShowTheWays()
+{
+    QFETCH(QByteArray, name);
+    QFETCH(QString, text);
+    QFETCH(QString, icon);
+    const auto *button = m_window->find<QPushButton>(name.constData());
+    QVERIFY(button);
+    QCOMPARE(button->text(), text);
+    QCOMPARE(button->icon().pixmap(button->iconSize()).toImage(),
+             QIcon(icon).pixmap(button->iconSize()).toImage());
+    QCOMPARE(button->font().family(), QStringLiteral("AlMateen"));
+
+    const QImage shown = m_window->picture(name.constData());
+    QVERIFY(showsColour(shown, Qt::white)); // the text
+    const QColor border(0xcf, 0xcf, 0xcf);
+    const int middle = shown.width() / 2;
+    QVERIFY(isNear(shown.pixelColor(middle, 0), border));
+    QVERIFY(isNear(shown.pixelColor(middle, 1), border));
+    QVERIFY(!isNear(shown.pixelColor(middle, 2), border));
 }
 
 void tst_KavlorKnownUser::signOutForgetsWhoIsSignedInAndKeepsTheRecord()

@@ -1,6 +1,7 @@
 #include "framewelcomekavlor.h"
 #include "kavlorknownuser.h"
 #include "kavlorlogin.h"
+#include "pixels.h"
 #include "rootwindow.h"
 #include "testcase.h"
 #include "testconstants.h"
@@ -24,6 +25,8 @@ private slots:
     void otherReplyIsRefused_data();
     void otherReplyIsRefused();
     void typingAgainClearsTheError();
+    void theErrorStandsWhileAFieldIsEmpty();
+    void theNextLoginClearsTheError();
     void transportErrorIsTold();
     void theFormIsDisabledWhileTheRequestRuns();
     void doubleClickSendsOnce();
@@ -34,6 +37,7 @@ private slots:
     void cancelWhileTheRequestRuns();
     void passwordPageIsTheServices();
     void barShowsTheLoginText();
+    void fontsAndTheColourOfTheError();
 
 private:
     bool typeLogin();
@@ -137,6 +141,37 @@ void tst_KavlorLogin::typingAgainClearsTheError()
     QTRY_VERIFY(!m_window->text("labelError").isEmpty());
     QTest::keyClicks(m_window->find("linePassword"), QStringLiteral("x"));
     QCOMPARE(m_window->text("labelError"), QString());
+}
+
+void tst_KavlorLogin::theErrorStandsWhileAFieldIsEmpty()
+{
+    const QString refused = QStringLiteral("kavlor authentication failed.");
+    m_window->service.expect("ValidateLogin", "0");
+    QVERIFY(typeLogin());
+    QVERIFY(m_window->click("loginButton"));
+    QTRY_COMPARE(m_window->text("labelError"), refused);
+    QTest::keyClick(m_window->find("linePassword"), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(m_window->find("linePassword"), Qt::Key_Delete);
+    QCOMPARE(m_window->text("linePassword"), QString());
+    QCOMPARE(m_window->text("labelError"), refused);
+    QTest::keyClick(m_window->find("lineUsername"), Qt::Key_2);
+    QCOMPARE(m_window->text("labelError"), refused);
+    QTest::keyClick(m_window->find("linePassword"), Qt::Key_X);
+    QCOMPARE(m_window->text("labelError"), QString());
+}
+
+void tst_KavlorLogin::theNextLoginClearsTheError()
+{
+    m_window->service.expect("ValidateLogin", "0");
+    QVERIFY(typeLogin());
+    QVERIFY(m_window->click("loginButton"));
+    QTRY_VERIFY(!m_window->text("labelError").isEmpty());
+    m_window->service.expectHeld("ValidateLogin", "0");
+    QVERIFY(m_window->click("loginButton"));
+    QCOMPARE(m_window->text("labelError"), QString());
+    QTRY_VERIFY(m_window->service.isHolding());
+    QVERIFY(m_window->service.release());
+    QTRY_VERIFY(!m_window->text("labelError").isEmpty());
 }
 
 void tst_KavlorLogin::transportErrorIsTold()
@@ -248,6 +283,19 @@ void tst_KavlorLogin::barShowsTheLoginText()
     QCOMPARE(m_window->text("labelWelcomeTo"), QStringLiteral("Please login to "));
     QVERIFY(m_window->find("cancelNavigationButton"));
     QCOMPARE(m_window->find<QLineEdit>("linePassword")->echoMode(), QLineEdit::Password);
+}
+
+void tst_KavlorLogin::fontsAndTheColourOfTheError()
+{
+    for (const char *name : {"lineUsername", "linePassword"})
+        QCOMPARE(m_window->find(name)->font().family(), QStringLiteral("AlArabiya"));
+    QCOMPARE(m_window->find("loginButton")->font().family(), QStringLiteral("AlMateen"));
+    const QColor red(200, 29, 4);
+    QVERIFY(!showsColour(m_window->picture("labelError"), red));
+    m_window->service.expect("ValidateLogin", "0");
+    QVERIFY(typeLogin());
+    QVERIFY(m_window->click("loginButton"));
+    QTRY_VERIFY(showsColour(m_window->picture("labelError"), red));
 }
 
 KAVLOR_TEST_MAIN(tst_KavlorLogin)

@@ -21,6 +21,7 @@ private slots:
     void litCell();
     void sweepsToAndFro();
     void endsByItselfOnTheFourthTick();
+    void countsItsTimeAnewAtEachStart();
     void stopsWhenTold();
     void restartsFromWhereItIs();
     void picturesAreEnlarged();
@@ -28,6 +29,7 @@ private slots:
 
 private:
     static int litColumn(const CProgressiveModel &model);
+    static QList<int> litColumns(CProgressiveModel *model, int steps);
 };
 
 namespace {
@@ -45,16 +47,6 @@ QImage unlit()
 
 } // namespace
 
-// Lets the strip take just one step.
-static void stepOnce(CProgressiveModel *model)
-{
-    QObject context;
-    QSignalSpy steps(model, &CProgressiveModel::occuredTimerEvent);
-    QObject::connect(model, &CProgressiveModel::occuredTimerEvent, &context,
-                     [model] { model->animate(false, 0, 0); });
-    QTRY_COMPARE(steps.count(), 1);
-}
-
 // The lit column, -1 for none, -2 for more than one.
 int tst_ProgressiveModel::litColumn(const CProgressiveModel &model)
 {
@@ -63,6 +55,22 @@ int tst_ProgressiveModel::litColumn(const CProgressiveModel &model)
         if (picture(model, column) != unlit())
             lit = lit == -1 ? column : -2;
     }
+    return lit;
+}
+
+// The lit column after each of so many steps.
+QList<int> tst_ProgressiveModel::litColumns(CProgressiveModel *model, int steps)
+{
+    QObject context;
+    QList<int> lit;
+    connect(model, &CProgressiveModel::occuredTimerEvent, &context, [&] {
+        lit.append(litColumn(*model));
+        if (lit.size() == steps)
+            model->animate(false, 0, 0);
+    });
+    model->animate(true, 1, 0);
+    if (!QTest::qWaitFor([&] { return lit.size() == steps; }))
+        model->animate(false, 0, 0);
     return lit;
 }
 
@@ -84,13 +92,12 @@ void tst_ProgressiveModel::aCountOfZeroBehavesAsOne()
 
 void tst_ProgressiveModel::percentagesAboveHundredCountAsHundred()
 {
-    CProgressiveModel model(nullptr, 3, 0);
+    CProgressiveModel model(nullptr, 3, 100);
+    QCOMPARE(litColumns(&model, 1), QList<int>{2}); // turns at the end, and goes back from here on
     model.setPercentage(250);
     QCOMPARE(litColumn(model), -1);
-    // One step back from 100 would light the middle; a step on from 250 could not turn at 99.
-    model.animate(true, 1, 0);
-    stepOnce(&model);
-    QCOMPARE(litColumn(model), 2);
+    // Back from 100: 67, 34, 1, then the turn at 0, 33. From 250 it would turn later.
+    QCOMPARE(litColumns(&model, 5), (QList<int>{2, 1, 0, -1, 0}));
 }
 
 void tst_ProgressiveModel::positionZeroLightsNoCell()
@@ -135,17 +142,8 @@ void tst_ProgressiveModel::litCell()
 void tst_ProgressiveModel::sweepsToAndFro()
 {
     // With three cells from 1: 34, 67, 100, 99, 66, 33, 0, 0, 33 percent.
-    const QList<int> expected{1, 2, -1, 2, 1, 0, -1, -1, 0};
     CProgressiveModel model(nullptr, 3, 1);
-    QList<int> seen;
-    connect(&model, &CProgressiveModel::occuredTimerEvent, this, [&] {
-        seen.append(litColumn(model));
-        if (seen.size() == expected.size())
-            model.animate(false, 0, 0);
-    });
-    model.animate(true, 1, 0);
-    QTRY_COMPARE(seen.size(), expected.size());
-    QCOMPARE(seen, expected);
+    QCOMPARE(litColumns(&model, 9), (QList<int>{1, 2, -1, 2, 1, 0, -1, -1, 0}));
 }
 
 void tst_ProgressiveModel::endsByItselfOnTheFourthTick()
@@ -163,6 +161,16 @@ void tst_ProgressiveModel::endsByItselfOnTheFourthTick()
     QTRY_VERIFY(peerSteps.count() >= 6);
     QCOMPARE(steps.count(), 3);
     QCOMPARE(litColumn(model), light);
+}
+
+void tst_ProgressiveModel::countsItsTimeAnewAtEachStart()
+{
+    CProgressiveModel model(nullptr, 3, 1);
+    QSignalSpy steps(&model, &CProgressiveModel::occuredTimerEvent);
+    model.animate(true, 5, 14);
+    QTRY_COMPARE(steps.count(), 3);
+    model.animate(true, 5, 14);
+    QTRY_COMPARE(steps.count(), 6);
 }
 
 void tst_ProgressiveModel::stopsWhenTold()
@@ -185,9 +193,7 @@ void tst_ProgressiveModel::restartsFromWhereItIs()
     CProgressiveModel model(nullptr, 3, 1);
     model.setPercentage(34);
     model.animate(true, 1, 0);
-    model.animate(true, 1, 0); // replaces the timer, rather than adding one
-    stepOnce(&model);
-    QCOMPARE(litColumn(model), 2);
+    QCOMPARE(litColumns(&model, 1), QList<int>{2});
 }
 
 void tst_ProgressiveModel::picturesAreEnlarged()

@@ -5,16 +5,40 @@
 #include "kavlorlogin.h"
 #include "navigationcontrolableframe.h"
 #include "navigationframe.h"
+#include "pixels.h"
+#include "progressivemodel.h"
 #include "rootwindow.h"
 #include "testcase.h"
 #include "testconstants.h"
 #include "testmain.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCheckBox>
 #include <QDialog>
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
+
+/** A frame that counts how often it is asked to leave. */
+class LowerCounter : public QFrame
+{
+    Q_OBJECT
+
+public:
+    int count() const
+    {
+        return m_count;
+    }
+
+public slots:
+    void lower()
+    {
+        ++m_count;
+    }
+
+private:
+    int m_count = 0;
+};
 
 class tst_RootViewController : public TestCase
 {
@@ -22,9 +46,13 @@ class tst_RootViewController : public TestCase
 
 private slots:
     void notSignedInBar();
-    void homeBar();
     void barsAfterSignIn_data();
     void barsAfterSignIn();
+    void fontsOfTheBarBeforeSignIn();
+    void fontsOfTheBarAfterSignIn();
+    void theBarAfterSignInShowsItsHeader();
+    void aCancelButtonThatIsNotShownIsNotConnected();
+    void theStripStepsEvery350MillisecondsUnlessToldOtherwise();
     void aUserNameWithoutPasswordCountsAsNobody();
     void settingsWithAnEmptyPasswordFallBackToWelcome();
     void progressOperationsNeedTheBarBeforeSignIn();
@@ -45,6 +73,7 @@ private slots:
     void destructionRemembersThatNobodyIsSignedIn();
     void destructionWithARequestInFlight();
     void nothingOfTheLastScreenStays();
+    void aLeftFrameHearsNoLateReply();
 
 private:
     static QList<bool> alertsShown(RootWindow *window);
@@ -74,64 +103,148 @@ void tst_RootViewController::notSignedInBar()
     QVERIFY(!window.find("backNavigationButton"));
 }
 
-void tst_RootViewController::homeBar()
-{
-    RootWindow window;
-    QVERIFY(window.startAtHome());
-    QVERIFY(window.shown<NavigationControlableFrame>());
-    QCOMPARE(window.title(), QStringLiteral("welcome to kavlor!"));
-    QCOMPARE(window.text("cancelNavigationButton"), QStringLiteral("Sign out"));
-    QVERIFY(window.find("labelNavigationIcon"));
-    QVERIFY(!window.find("backNavigationButton"));
-}
-
 void tst_RootViewController::barsAfterSignIn_data()
 {
-    QTest::addColumn<QByteArray>("button"); // of the home frame; empty = after an upload
+    QTest::addColumn<QByteArray>("button"); // of the home frame; empty = none is clicked
+    QTest::addColumn<bool>("uploaded");
     QTest::addColumn<QString>("title");
     QTest::addColumn<QString>("icon");
-    QTest::addColumn<QString>("back");
-    QTest::addColumn<bool>("cancelShown");
+    QTest::addColumn<QString>("back"); // empty = hidden, as for the next
+    QTest::addColumn<QString>("cancel");
 
-    QTest::newRow("my auctions") << QByteArray("buttonMyKavlor") << "My kavlor"
+    QTest::newRow("home") << QByteArray() << false << "welcome to kavlor!"
+                          << ":/KavlorMicroLogo.png"
+                          << ""
+                          << "Sign out";
+    QTest::newRow("my auctions") << QByteArray("buttonMyKavlor") << false << "My kavlor"
                                  << ":/myKavlor.png"
-                                 << "Back" << false;
-    QTest::newRow("upload") << QByteArray("buttonUpload") << "Upload"
+                                 << "Back"
+                                 << "";
+    QTest::newRow("upload") << QByteArray("buttonUpload") << false << "Upload"
                             << ":/UploadIcon.png"
-                            << "Back" << true;
-    QTest::newRow("settings") << QByteArray("buttonSettings") << "Settings"
+                            << "Back"
+                            << "Cancel";
+    QTest::newRow("settings") << QByteArray("buttonSettings") << false << "Settings"
                               << ":/MySettingsIcon.png"
-                              << "Back" << false;
-    QTest::newRow("alert options after an upload") << QByteArray() << "Notification Options"
+                              << "Back"
+                              << "";
+    QTest::newRow("alert options after an upload") << QByteArray() << true << "Notification Options"
                                                    << ":/NotificationIcon.png"
-                                                   << "Home" << false;
+                                                   << "Home"
+                                                   << "";
 }
 
 void tst_RootViewController::barsAfterSignIn()
 {
     QFETCH(QByteArray, button);
+    QFETCH(bool, uploaded);
     QFETCH(QString, title);
     QFETCH(QString, icon);
     QFETCH(QString, back);
-    QFETCH(bool, cancelShown);
+    QFETCH(QString, cancel);
 
     RootWindow window;
     QVERIFY(window.startAtHome());
     window.service.expect("GetMyAuctions", "header\n");
-    if (button.isEmpty())
+    if (uploaded)
         emit window.root()->UploadComplete();
-    else
+    if (!button.isEmpty())
         QVERIFY(window.click(button.constData()));
     QTRY_COMPARE(window.title(), title);
     QCOMPARE(window.text("backNavigationButton"), back);
-    QCOMPARE(window.find("cancelNavigationButton") != nullptr, cancelShown);
-    if (cancelShown)
-        QCOMPARE(window.text("cancelNavigationButton"), QStringLiteral("Cancel"));
-    NavigationControlableFrame expected(nullptr);
-    expected.setTitleAndIcon(title, icon);
-    QCOMPARE(
-        window.find<QLabel>("labelNavigationIcon")->pixmap().toImage(),
-        expected.findChild<QLabel *>(QStringLiteral("labelNavigationIcon"))->pixmap().toImage());
+    QCOMPARE(window.text("cancelNavigationButton"), cancel);
+    const auto *label = window.find<QLabel>("labelNavigationIcon");
+    QVERIFY(label);
+    const int height = qRound(64 * label->devicePixelRatioF());
+    QCOMPARE(label->pixmap().toImage(),
+             QPixmap(icon).scaledToHeight(height, Qt::SmoothTransformation).toImage());
+}
+
+void tst_RootViewController::fontsOfTheBarBeforeSignIn()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    QVERIFY(window.click("loginButton"));
+    const QFont text = window.find("labelWelcomeTo")->font();
+    QCOMPARE(text.family(), QStringLiteral("LargeSystemFont"));
+    QCOMPARE(text.pointSize(), 24);
+    QCOMPARE(text.style(), QFont::StyleOblique);
+    QVERIFY(showsColour(window.picture("labelWelcomeTo"), QColor(0, 0, 127)));
+    QCOMPARE(window.find("cancelNavigationButton")->font().family(), QStringLiteral("Sans Serif"));
+}
+
+void tst_RootViewController::fontsOfTheBarAfterSignIn()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    QVERIFY(window.click("buttonUpload"));
+    const QFont title = window.find("labelNavigationTitle")->font();
+    QCOMPARE(title.pointSize(), 18);
+    QVERIFY(title.bold());
+    QVERIFY(showsColour(window.picture("labelNavigationTitle"), Qt::white));
+    for (const char *name : {"backNavigationButton", "cancelNavigationButton"})
+        QCOMPARE(window.find(name)->font().family(), QStringLiteral("Sans Serif"));
+}
+
+void tst_RootViewController::theBarAfterSignInShowsItsHeader()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    for (const int width : {800, 1280}) {
+        window.root()->resize(width, 480);
+        QTRY_COMPARE(window.root()->width(), width);
+        const QImage bar = window.picture("navigationBar");
+        const QImage header =
+            QImage(QStringLiteral(":/Header.png"))
+                .scaled(bar.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        // Beside all that stands on the bar, from top to bottom.
+        for (int y = 0; y < bar.height(); ++y) {
+            for (const int x : {4, bar.width() - 5})
+                QVERIFY2(isNear(bar.pixelColor(x, y), header.pixelColor(x, y)),
+                         qPrintable(QStringLiteral("%1,%2: %3")
+                                        .arg(x)
+                                        .arg(y)
+                                        .arg(bar.pixelColor(x, y).name())));
+        }
+    }
+}
+
+void tst_RootViewController::aCancelButtonThatIsNotShownIsNotConnected()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    LowerCounter frame;
+    const auto showCancel = [&](bool shown, QFrame *whom) {
+        return window.root()->setNavigationTextAndIcon(QStringLiteral("Text "), QString(), shown,
+                                                       whom);
+    };
+    QVERIFY(showCancel(false, &frame));
+    QVERIFY(showCancel(true, nullptr));
+    QVERIFY(window.click("cancelNavigationButton"));
+    QCOMPARE(frame.count(), 0);
+    QVERIFY(showCancel(true, &frame));
+    QVERIFY(window.click("cancelNavigationButton"));
+    QCOMPARE(frame.count(), 1);
+}
+
+void tst_RootViewController::theStripStepsEvery350MillisecondsUnlessToldOtherwise()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    auto *strip = window.shown<NavigationFrame>()->findChild<CProgressiveModel *>();
+    const auto periods = [strip] {
+        QList<int> found;
+        const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(strip);
+        for (const QAbstractEventDispatcher::TimerInfo &timer : timers)
+            found.append(timer.interval);
+        return found;
+    };
+    QVERIFY(window.root()->progressAnimation(true));
+    QCOMPARE(periods(), QList<int>{350});
+    QVERIFY(window.root()->progressAnimation(true, 20));
+    QCOMPARE(periods(), QList<int>{20});
+    QVERIFY(window.root()->progressAnimation(false));
+    QCOMPARE(periods(), QList<int>());
 }
 
 void tst_RootViewController::aUserNameWithoutPasswordCountsAsNobody()
@@ -379,6 +492,24 @@ void tst_RootViewController::nothingOfTheLastScreenStays()
     }
     QTRY_COMPARE(window.root()->findChildren<NavigationControlableFrame *>().size(), 1);
     QTRY_COMPARE(window.root()->findChildren<KavlorKnownUser *>().size(), 1);
+}
+
+void tst_RootViewController::aLeftFrameHearsNoLateReply()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    QVERIFY(window.click("loginButton"));
+    QVERIFY(window.type("lineUsername", QStringLiteral("m1")));
+    QVERIFY(window.type("linePassword", QStringLiteral("secret")));
+    window.service.expectHeld("ValidateLogin", "1");
+    QVERIFY(window.click("loginButton"));
+    QTRY_VERIFY(window.service.isHolding());
+    const QPointer<KavlorLogin> login = window.shown<KavlorLogin>();
+    QVERIFY(window.clickAsReplyComes("cancelNavigationButton", login));
+    QTRY_VERIFY(!login);
+    QVERIFY(window.shown<FrameWelcomeKavlor>());
+    QVERIFY(!window.shown<KavlorKnownUser>());
+    QVERIFY2(window.service.isDone(), window.service.report());
 }
 
 KAVLOR_TEST_MAIN(tst_RootViewController)

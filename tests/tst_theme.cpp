@@ -1,4 +1,5 @@
 #include "contrast.h"
+#include "pixels.h"
 #include "testcase.h"
 #include "testmain.h"
 #include "theme.h"
@@ -33,13 +34,7 @@ const QColor pressedColour(255, 255, 127);
 const QColor disabledColour(170, 170, 127);
 const QColor focusColour(0, 0, 127);
 const QColor orange(249, 167, 31);
-
-bool isNear(const QColor &colour, const QColor &wanted, int tolerance)
-{
-    return qAbs(colour.red() - wanted.red()) <= tolerance
-        && qAbs(colour.green() - wanted.green()) <= tolerance
-        && qAbs(colour.blue() - wanted.blue()) <= tolerance;
-}
+const QColor tabBorder(0xc4, 0xc4, 0xc3);
 
 QByteArray name(const QColor &colour)
 {
@@ -55,11 +50,13 @@ QImage pictureOf(QWidget *widget)
     return image;
 }
 
-bool showsColour(const QImage &image, const QColor &colour)
+/** True when some pixel is bluer than a grey would be. */
+bool showsBlue(const QImage &image)
 {
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
-            if (image.pixelColor(x, y) == colour)
+            const QColor colour = image.pixelColor(x, y);
+            if (colour.blue() > colour.red() + 8)
                 return true;
         }
     }
@@ -134,6 +131,7 @@ private slots:
     void spinBoxHasRoomForItsLargestPrice();
     void textBrowserHasNoBorder();
     void tabsAreCentredAndTheSelectedOneIsMarked();
+    void tabsAreWideEnoughAndRoundAtTheTop();
     void tabUnderTheMouseIsMarked();
     void tableHeaders();
     void toolTips_data();
@@ -441,11 +439,54 @@ void tst_Theme::tabsAreCentredAndTheSelectedOneIsMarked()
     const QRect other = tabs.tabBar()->tabRect(1);
     QCOMPARE(image.pixelColor(other.left() + 5, other.top() + 6), QColor(Qt::white));
     QVERIFY(showsColour(image.copy(tabs.tabBar()->tabRect(0)), QColor(0x9b, 0x9b, 0x9b)));
-    QVERIFY(showsColour(image.copy(other), QColor(0xc4, 0xc4, 0xc3)));
+    QVERIFY(showsColour(image.copy(other), tabBorder));
+
+    // The selected tab is open towards the page.
+    const QRect selected = tabs.tabBar()->tabRect(0);
+    for (int y = selected.bottom() - 1; y <= selected.bottom(); ++y) {
+        QVERIFY(isNear(image.pixelColor(selected.center().x(), y), Qt::white));
+        QVERIFY(isNear(image.pixelColor(other.center().x(), y), tabBorder));
+    }
 
     const QImage whole = pictureOf(&tabs);
-    QCOMPARE(whole.pixelColor(4, bar.bottom() + 1), QColor(0xc2, 0xc7, 0xcb));
+    const QColor paneBorder(0xc2, 0xc7, 0xcb);
+    QVERIFY(isNear(whole.pixelColor(4, bar.bottom() + 1), paneBorder));
+    QVERIFY(isNear(whole.pixelColor(4, bar.bottom() + 2), paneBorder));
+    QVERIFY(isNear(whole.pixelColor(4, bar.bottom() + 3), Qt::white));
     QCOMPARE(whole.pixelColor(250, 150), QColor(Qt::white));
+}
+
+void tst_Theme::tabsAreWideEnoughAndRoundAtTheTop()
+{
+    QTabWidget tabs;
+    tabs.addTab(new QWidget, QStringLiteral("Account"));
+    tabs.addTab(new QWidget, QStringLiteral("A"));
+    show(&tabs, QSize(500, 200));
+
+    // On each side of the text two pixels of border and two of padding.
+    const int frame = 2 * (2 + 2);
+    const QSize text = tabs.tabBar()->fontMetrics().size(0, QStringLiteral("Account"));
+    const int narrowest = 8 * QFontMetrics(QApplication::font()).xHeight();
+    const QTabBar *bar = tabs.tabBar();
+    QCOMPARE(bar->tabRect(0).size(), text + QSize(frame, frame));
+    QCOMPARE(bar->tabRect(1).width(), narrowest + frame);
+
+    const QImage whole = pictureOf(&tabs);
+    const QColor ground = whole.pixelColor(2, 2);
+    const QRect tab = bar->tabRect(1).translated(bar->pos());
+    const int middle = tab.center().x();
+    QVERIFY(isNear(whole.pixelColor(middle, tab.top()), tabBorder));
+    QVERIFY(isNear(whole.pixelColor(middle, tab.top() + 1), tabBorder));
+    QVERIFY(isNear(whole.pixelColor(middle, tab.top() + 2), Qt::white));
+    for (const QPoint &corner : {tab.topLeft(), tab.topRight()}) {
+        const QPoint inwards(corner == tab.topLeft() ? 1 : -1, 1);
+        QVERIFY2(isNear(whole.pixelColor(corner), ground),
+                 name(whole.pixelColor(corner)).constData());
+        QVERIFY2(isNear(whole.pixelColor(corner + inwards), tabBorder),
+                 name(whole.pixelColor(corner + inwards)).constData());
+    }
+    QVERIFY(isNear(whole.pixelColor(tab.bottomLeft()), tabBorder));
+    QVERIFY(isNear(whole.pixelColor(tab.bottomRight()), tabBorder));
 }
 
 void tst_Theme::tabUnderTheMouseIsMarked()
@@ -464,12 +505,13 @@ void tst_Theme::tabUnderTheMouseIsMarked()
 void tst_Theme::tableHeaders()
 {
     QStandardItemModel model(1, 2);
-    model.setHorizontalHeaderLabels({QStringLiteral("Thumbnail"), QStringLiteral("Info")});
+    model.setHorizontalHeaderLabels({QStringLiteral("HILL"), QStringLiteral("Info")});
     QTableView table;
     table.setModel(&model);
     show(&table, QSize(400, 200));
 
     table.horizontalHeader()->setFixedHeight(102);
+    table.horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     const QImage image = pictureOf(table.horizontalHeader());
     const QList<QPair<double, int>> stops{{0, 0x61}, {0.5, 0x50}, {0.6, 0x43}, {0.99, 0x65}};
     for (const auto &[share, grey] : stops) {
@@ -478,6 +520,14 @@ void tst_Theme::tableHeaders()
     }
     QVERIFY(showsColour(image, QColor(0x6c, 0x6c, 0x6c)));
     QVERIFY(showsColour(image, textColour));
+
+    // The text begins behind one pixel of border and four of padding.
+    const QFontMetrics metrics = table.horizontalHeader()->fontMetrics();
+    const int begin = 1 + 4 + metrics.leftBearing(QLatin1Char('H'));
+    int first = 0;
+    while (!showsBlue(image.copy(first, 1, 1, 100)))
+        ++first;
+    QVERIFY2(qAbs(first - begin) <= 1, QByteArray::number(first).constData());
 }
 
 void tst_Theme::toolTips_data()
@@ -507,10 +557,23 @@ void tst_Theme::toolTips()
     QCOMPARE(tip->font().pointSize(), 17);
     QCOMPARE(tip->palette().color(QPalette::ToolTipText), QColor(20, 30, 197));
 
+    // Two pixels of border and two of padding.
+    QCOMPARE(tip->contentsMargins(), QMargins(4, 4, 4, 4));
+
     QImage image(tip->size(), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::white);
     tip->render(&image, {}, {}, QWidget::DrawChildren);
-    QCOMPARE(image.pixelColor(image.width() / 2, 1), QColor(170, 170, 255));
+    const QColor border(170, 170, 255);
+    const int middle = image.width() / 2;
+    QVERIFY(isNear(image.pixelColor(middle, 0), border));
+    QVERIFY(isNear(image.pixelColor(middle, 1), border));
+    QVERIFY(!isNear(image.pixelColor(middle, 2), border));
+    // Outside of the round corner only the ground itself is there, which is not quite opaque.
+    QVERIFY(isNear(image.pixelColor(1, 1), border));
+    const QColor corner = tip->grab().toImage().pixelColor(0, 0);
+    QVERIFY2(isNear(corner, QColor(229, 231, 100)), name(corner).constData());
+    QVERIFY2(qAbs(corner.alpha() - 228) <= 2, name(corner).constData());
+
     const QColor ground = image.pixelColor(image.width() - 5, image.height() / 2);
     QVERIFY2(isNear(ground, QColor(229, 231, 100), 5), name(ground).constData());
     QVERIFY(contrast(QColor(20, 30, 197), ground) >= 4.5);

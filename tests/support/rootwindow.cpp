@@ -1,13 +1,16 @@
 #include "rootwindow.h"
 
 #include "framewelcomekavlor.h"
+#include "httptolvex.h"
 #include "kavlorcategorystore.h"
 #include "kavlorknownuser.h"
 
 #include <QAbstractButton>
 #include <QLabel>
 #include <QLineEdit>
+#include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 RootWindow::RootWindow()
     : settings(folder.filePath(QStringLiteral("kavlor.conf")), QSettings::IniFormat)
@@ -96,6 +99,22 @@ bool RootWindow::click(const char *name)
     return true;
 }
 
+bool RootWindow::clickAsReplyComes(const char *name, const QFrame *frame)
+{
+    const auto *button = find<QAbstractButton>(name);
+    const auto *request = frame->findChild<CHttpTolvex *>(QString(), Qt::FindDirectChildrenOnly);
+    if (!button || !request)
+        return false;
+    QSignalSpy results(request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
+    QObject context;
+    bool came = false;
+    // Heard last. Nothing is deleted before the event that is a member's click has ended.
+    QObject::connect(button, &QAbstractButton::clicked, &context,
+                     [&] { came = service.release() && results.wait(); });
+    QTimer::singleShot(0, &context, [&] { click(name); });
+    return QTest::qWaitFor([&] { return came; });
+}
+
 bool RootWindow::type(const char *name, const QString &text)
 {
     QWidget *widget = find(name);
@@ -119,4 +138,12 @@ QString RootWindow::text(const char *name) const
     if (const auto *button = qobject_cast<const QAbstractButton *>(widget))
         return button->text();
     return {};
+}
+
+QImage RootWindow::picture(const char *name) const
+{
+    const QWidget *widget = find(name);
+    if (!widget)
+        return {};
+    return m_root->grab({widget->mapTo(m_root.get(), QPoint()), widget->size()}).toImage();
 }

@@ -6,6 +6,7 @@
 #include "scriptedservice.h"
 
 #include <QFrame>
+#include <QImage>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <memory>
@@ -63,9 +64,16 @@ public:
     }
     /** Clicks @p name with the mouse; false when it is not there or disabled. */
     bool click(const char *name);
+    /**
+     * Clicks @p name, which leaves @p frame, and lets the held reply to that frame's request come
+     * before the click is through, while the frame is still there. False when it does not come.
+     */
+    bool clickAsReplyComes(const char *name, const QFrame *frame);
     /** Replaces the text of @p name by keys. */
     bool type(const char *name, const QString &text);
     QString text(const char *name) const;
+    /** What the window shows where @p name is; null when it is not there. */
+    QImage picture(const char *name) const;
 
     QTemporaryDir folder;
     QSettings settings;
