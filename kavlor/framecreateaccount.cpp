@@ -1,6 +1,7 @@
 #include "framecreateaccount.h"
 
 #include "contentcolumn.h"
+#include "fingerscroll.h"
 #include "httptolvex.h"
 #include "kavloruser.h"
 #include "messagebox.h"
@@ -36,6 +37,7 @@ FrameCreateAccount::FrameCreateAccount(QSettings *settings, CKavlorUser *user, Q
     m_ui->setupUi(this);
     new ContentColumn(this, QSize(1040, 560));
     m_ui->termsEdit->setFont(QFont(QStringLiteral("LargeSystemFont"), termsPointSize));
+    new FingerScroll(m_ui->termsEdit, FingerScroll::Text);
     m_ui->errorLabelText->clear();
 
     for (QLineEdit *line :

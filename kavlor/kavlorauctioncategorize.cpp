@@ -1,5 +1,6 @@
 #include "kavlorauctioncategorize.h"
 
+#include "fingerscroll.h"
 #include "kavlorcategorymodel.h"
 #include "kavlorcategorystore.h"
 #include "paintedcelldelegate.h"
@@ -8,7 +9,6 @@
 #include "timeconstants.h"
 #include "ui_kavlorauctioncategorize.h"
 
-#include <QScroller>
 #include <QShortcut>
 
 namespace {
@@ -65,8 +65,7 @@ void CKavlorAuctionCategorize::setUpTable()
     delegate->setCellText([this](const QModelIndex &index) { return m_model->cellText(index); });
     showPaintedCells(m_ui->categoriesTable, delegate);
     m_ui->categoriesTable->viewport()->setAutoFillBackground(false);
-    // The finger alone scrolls by dragging; a mouse has the wheel and the bar.
-    QScroller::grabGesture(m_ui->categoriesTable->viewport(), QScroller::TouchGesture);
+    new FingerScroll(m_ui->categoriesTable, FingerScroll::Rows);
     // By name, since the table's slot is protected.
     connect(m_model, SIGNAL(rowCountChanged(int, int)), m_ui->categoriesTable,
             SLOT(rowCountChanged(int, int)));

@@ -1,6 +1,7 @@
 #include "kavlorauctionconfirm.h"
 
 #include "auctionrecord.h"
+#include "fingerscroll.h"
 #include "kavlorcategorystore.h"
 #include "ui_kavlorauctionconfirm.h"
 
@@ -24,6 +25,7 @@ CKavlorAuctionConfirm::CKavlorAuctionConfirm(const CAuctionRecord *record, QWidg
     m_ui->auctionOverallInfo->document()->setDefaultStyleSheet(
         QStringLiteral("th,td{color: #697278;font-weight: 20px;}"));
     m_ui->auctionOverallInfo->setHtml(summary());
+    new FingerScroll(m_ui->auctionOverallInfo, FingerScroll::Text);
     m_ui->createAuctionButton->installEventFilter(this);
     connect(m_ui->createAuctionButton, &QPushButton::clicked, this,
             &CKavlorAuctionConfirm::CreateAuctionClicked);

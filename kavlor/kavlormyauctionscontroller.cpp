@@ -1,5 +1,6 @@
 #include "kavlormyauctionscontroller.h"
 
+#include "fingerscroll.h"
 #include "httptolvex.h"
 #include "kavlormodifyauction.h"
 #include "kavlormyauctionsmodel.h"
@@ -12,7 +13,6 @@
 #include "ui_kavlormyauctionscontroller.h"
 
 #include <QHeaderView>
-#include <QScroller>
 #include <QShortcut>
 
 CKavlorMyAuctionsController::CKavlorMyAuctionsController(CKavlorUser *user, QWidget *parent)
@@ -53,7 +53,7 @@ void CKavlorMyAuctionsController::prepareTable()
     table->hide();
 
     new SlimScrollBar(table);
-    QScroller::grabGesture(table->viewport(), QScroller::TouchGesture);
+    new FingerScroll(table, FingerScroll::Rows);
 
     connect(table, &QTableView::clicked, this, &CKavlorMyAuctionsController::auctionClicked);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {

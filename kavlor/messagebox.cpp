@@ -1,5 +1,6 @@
 #include "messagebox.h"
 
+#include "fingerscroll.h"
 #include "theme.h"
 
 #include <QEvent>
@@ -95,6 +96,7 @@ int MessageBox::detailsHeight()
     auto *details = findChild<QTextEdit *>();
     details->ensurePolished();
     details->setFixedHeight(detailsTextHeight);
+    new FingerScroll(details, FingerScroll::Text);
     const auto *grid = qobject_cast<QGridLayout *>(layout());
     return details->parentWidget()->sizeHint().height() + grid->verticalSpacing();
 }

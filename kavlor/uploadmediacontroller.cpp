@@ -1,6 +1,7 @@
 #include "uploadmediacontroller.h"
 
 #include "contentcolumn.h"
+#include "fingerscroll.h"
 #include "httptolvex.h"
 #include "imagefile.h"
 #include "kavlorauctioncategorize.h"
@@ -122,6 +123,7 @@ void CUploadMediaController::connectForm()
     connect(m_ui->lineCaption, &QLineEdit::selectionChanged, this, [this] { captionPosChanged(); });
     connect(&m_rotationTimer, &QTimer::timeout, this, &CUploadMediaController::rotatePreview);
     m_ui->photoLabel->installEventFilter(this);
+    new FingerScroll(m_ui->textDescription, FingerScroll::Text);
     m_ui->lineCaption->installEventFilter(this);
     m_ui->textDescription->installEventFilter(this);
 }
