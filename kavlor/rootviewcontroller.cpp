@@ -1,5 +1,6 @@
 #include "rootviewcontroller.h"
 
+#include "doubletapguard.h"
 #include "framearea.h"
 #include "framewelcomekavlor.h"
 #include "httptolvex.h"
@@ -40,6 +41,8 @@ RootViewController::RootViewController(QSettings *settings, QWidget *parent)
     setStyleSheet(rootStyleSheet());
     m_ui->navigationBar->setStyleSheet(themeStyleSheet());
     m_ui->mainView->setStyleSheet(themeStyleSheet());
+
+    new DoubleTapGuard(m_ui->navigationBar);
 
     connect(this, &RootViewController::WelcomeKavlor, this, &RootViewController::ShowLoginOptions);
     connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
