@@ -18,8 +18,11 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFocusEvent>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QPixmapCache>
+#include <QSignalBlocker>
 #include <QStandardPaths>
 #include <QTextCursor>
 #include <QTransform>
@@ -79,6 +82,43 @@ bool isDeliberate(const QFocusEvent *event)
     }
 }
 
+// Whether the event, sent to a field, is about to put letters into it or shows that the member is.
+bool isTouch(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::FocusIn:
+        // A click or a tab into a field need not move its cursor.
+        return isDeliberate(static_cast<QFocusEvent *>(event));
+    case QEvent::KeyPress: {
+        const QString letters = static_cast<QKeyEvent *>(event)->text();
+        return !letters.isEmpty() && letters.at(0).isPrint();
+    }
+    case QEvent::InputMethod: {
+        const auto *input = static_cast<QInputMethodEvent *>(event);
+        return !input->preeditString().isEmpty() || !input->commitString().isEmpty();
+    }
+    default:
+        return false;
+    }
+}
+
+// What a member has given for a prompt that nobody had touched: all of a text that took its place,
+// or the letters that were put into it.
+QString withoutPrompt(const QString &text, const QString &prompt)
+{
+    const qsizetype shorter = qMin(text.size(), prompt.size());
+    qsizetype before = 0;
+    while (before < shorter && text.at(before) == prompt.at(before))
+        ++before;
+    qsizetype after = 0;
+    while (after < shorter - before
+           && text.at(text.size() - 1 - after) == prompt.at(prompt.size() - 1 - after))
+        ++after;
+    const QString given = text.mid(before, text.size() - before - after);
+    const bool isPromptWhole = before + after == prompt.size();
+    return isPromptWhole || given.isEmpty() ? given : text;
+}
+
 const char *editedProperty()
 {
     return "edited";
@@ -96,6 +136,8 @@ CUploadMediaController::CUploadMediaController(CKavlorUser *user, QWidget *paren
     m_ui->setupUi(this);
     new ContentColumn(this, QSize(1280, 720));
     m_chooserText = m_ui->photoClicker->text();
+    m_captionPrompt = m_ui->lineCaption->text();
+    m_descriptionPrompt = m_ui->textDescription->toPlainText();
     m_ui->descriptionFrame->setEnabled(false);
     m_ui->progressUpload->setProgress(m_progress);
     m_rotationTimer.setSingleShot(true);
@@ -121,6 +163,10 @@ void CUploadMediaController::connectForm()
     connect(m_ui->lineCaption, &QLineEdit::cursorPositionChanged, this,
             &CUploadMediaController::captionPosChanged);
     connect(m_ui->lineCaption, &QLineEdit::selectionChanged, this, [this] { captionPosChanged(); });
+    connect(m_ui->lineCaption, &QLineEdit::textChanged, this,
+            &CUploadMediaController::captionChanged);
+    connect(m_ui->textDescription, &QPlainTextEdit::textChanged, this,
+            &CUploadMediaController::descriptionChanged);
     connect(&m_rotationTimer, &QTimer::timeout, this, &CUploadMediaController::rotatePreview);
     m_ui->photoLabel->installEventFilter(this);
     new FingerScroll(m_ui->textDescription, FingerScroll::Text);
@@ -145,15 +191,12 @@ bool CUploadMediaController::event(QEvent *event)
 
 bool CUploadMediaController::eventFilter(QObject *watched, QEvent *event)
 {
-    // A click or a tab into a field need not move its cursor, and yet it is the first touch.
-    if (event->type() == QEvent::FocusIn && isDeliberate(static_cast<QFocusEvent *>(event))) {
-        if (watched == m_ui->lineCaption)
-            touchCaption();
-        else if (watched == m_ui->textDescription)
-            touchDescription();
-    }
-    if (watched == m_ui->photoLabel && event->type() == QEvent::Resize
-        && !m_ui->photoClicker->text().isEmpty())
+    if (watched == m_ui->lineCaption && isTouch(event))
+        touchCaption();
+    else if (watched == m_ui->textDescription && isTouch(event))
+        touchDescription();
+    else if (watched == m_ui->photoLabel && event->type() == QEvent::Resize
+             && !m_ui->photoClicker->text().isEmpty())
         showPrompt();
     return QFrame::eventFilter(watched, event);
 }
@@ -316,27 +359,49 @@ void CUploadMediaController::showDescription()
     m_step = Describing;
 }
 
-// True when this was the first touch, which wipes the prompt.
+// True when this was the first touch and has left nothing in the field. It wipes the prompt; what
+// has come into the field with it stays.
 bool CUploadMediaController::touchCaption()
 {
-    if (m_captionCleared || !m_captionEmpty
-        || m_ui->lineCaption->property(editedProperty()).toBool())
+    QLineEdit *field = m_ui->lineCaption;
+    if (m_captionCleared || !m_captionEmpty || field->property(editedProperty()).toBool())
         return false;
     m_captionCleared = true;
-    m_ui->lineCaption->clear();
-    m_ui->lineCaption->setProperty(editedProperty(), true);
-    return true;
+    field->setProperty(editedProperty(), true);
+    const QString given = withoutPrompt(field->text(), m_captionPrompt);
+    {
+        // Selected and deleted, since to set a text would also take an input method's first letter.
+        const QSignalBlocker quiet(field);
+        field->selectAll();
+    }
+    field->insert(given);
+    return given.isEmpty();
 }
 
 bool CUploadMediaController::touchDescription()
 {
-    if (m_descriptionCleared || !m_descriptionEmpty
-        || m_ui->textDescription->property(editedProperty()).toBool())
+    QPlainTextEdit *field = m_ui->textDescription;
+    if (m_descriptionCleared || !m_descriptionEmpty || field->property(editedProperty()).toBool())
         return false;
     m_descriptionCleared = true;
-    m_ui->textDescription->clear();
-    m_ui->textDescription->setProperty(editedProperty(), true);
-    return true;
+    field->setProperty(editedProperty(), true);
+    const QString given = withoutPrompt(field->toPlainText(), m_descriptionPrompt);
+    field->clear();
+    field->insertPlainText(given);
+    return given.isEmpty();
+}
+
+// Letters may come without a key and without a move of the cursor, as from a screen reader.
+void CUploadMediaController::captionChanged()
+{
+    if (m_ui->lineCaption->text() != m_captionPrompt)
+        touchCaption();
+}
+
+void CUploadMediaController::descriptionChanged()
+{
+    if (m_ui->textDescription->toPlainText() != m_descriptionPrompt)
+        touchDescription();
 }
 
 void CUploadMediaController::captionPosChanged(int aOld, int aNew)

@@ -79,6 +79,8 @@ private:
     void rotatePreview();
     bool touchCaption();
     bool touchDescription();
+    void captionChanged();
+    void descriptionChanged();
 
     CKavlorUser *m_user;
     QPointer<CHttpTolvex> m_request;
@@ -98,4 +100,6 @@ private:
     QStringList m_imageTextKeys;
     QSize m_previewSize;   // of the preview when media was first shown
     QString m_chooserText; // the prompt over the preview
+    QString m_captionPrompt;
+    QString m_descriptionPrompt;
 };

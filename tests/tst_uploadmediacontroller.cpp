@@ -15,10 +15,13 @@
 #include "uploadmediaconfirmation.h"
 #include "uploadmediacontroller.h"
 
+#include <QAccessible>
 #include <QBuffer>
+#include <QClipboard>
 #include <QDir>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QInputMethodEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
@@ -34,6 +37,8 @@
 #include <QTextBrowser>
 #include <QToolButton>
 #include <QWindow>
+
+#include <functional>
 
 using Wizard = CUploadMediaController;
 
@@ -307,6 +312,8 @@ QString cannotLoad(const QString &path)
 
 } // namespace
 
+Q_DECLARE_METATYPE(std::function<void(QWidget *)>)
+
 class tst_UploadMediaController : public TestCase
 {
     Q_OBJECT
@@ -352,6 +359,9 @@ private slots:
 
     void theFirstTouchWipesThePrompt_data();
     void theFirstTouchWipesThePrompt();
+    void noFirstLetterIsLost_data();
+    void noFirstLetterIsLost();
+    void thePromptGoesBeforeTheFirstLetterIsComposed();
     void theFirstLetterBecomesACapital();
     void typingInTheMiddleOfTheCaptionKeepsThePlace();
     void aCapitalizedDescriptionPutsTheCursorBehindTheFirstLetter();
@@ -933,6 +943,122 @@ void tst_UploadMediaController::theFirstTouchWipesThePrompt()
     driver.part<QLineEdit>("DummylineEdit")->setFocus();
     QTest::mouseClick(area ? area->viewport() : widget, Qt::LeftButton);
     QCOMPARE(text(), QStringLiteral("Hello"));
+}
+
+void tst_UploadMediaController::noFirstLetterIsLost_data()
+{
+    using Way = std::function<void(QWidget *)>;
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<Way>("enter");
+    QTest::addColumn<QString>("text");
+
+    const auto focus = [](QWidget *field) { field->setFocus(Qt::ActiveWindowFocusReason); };
+    const auto insert = [](QWidget *field, int place, const QString &text) {
+        QAccessible::queryAccessibleInterface(field)->editableTextInterface()->insertText(place,
+                                                                                          text);
+    };
+    const QList<std::pair<QByteArray, Way>> ways{
+        {"keys in a window that was not active",
+         [=](QWidget *field) {
+             focus(field);
+             QTest::keyClicks(field, QStringLiteral("hello"));
+         }},
+        {"keys after a click that moves no focus",
+         [=](QWidget *field) {
+             focus(field);
+             auto *area = qobject_cast<QAbstractScrollArea *>(field);
+             QTest::mouseClick(area ? area->viewport() : field, Qt::LeftButton, {}, QPoint(1, 8));
+             QTest::keyClicks(field, QStringLiteral("hello"));
+         }},
+        {"an on-screen keyboard",
+         [=](QWidget *field) {
+             focus(field);
+             for (const char *letter : {"h", "e", "l", "l", "o"}) {
+                 QInputMethodEvent event;
+                 event.setCommitString(QLatin1String(letter));
+                 QCoreApplication::sendEvent(field, &event);
+             }
+         }},
+        {"an input method that composes",
+         [=](QWidget *field) {
+             focus(field);
+             for (const char *letters : {"h", "he", "hel"}) {
+                 QInputMethodEvent event(QLatin1String(letters), {});
+                 QCoreApplication::sendEvent(field, &event);
+             }
+             QInputMethodEvent event;
+             event.setCommitString(QStringLiteral("hello"));
+             QCoreApplication::sendEvent(field, &event);
+         }},
+        {"the clipboard",
+         [=](QWidget *field) {
+             focus(field);
+             QGuiApplication::clipboard()->setText(QStringLiteral("hello"));
+             QTest::keyClick(field, Qt::Key_V, Qt::ControlModifier);
+         }},
+        {"a screen reader, in front",
+         [=](QWidget *field) { insert(field, 0, QStringLiteral("hello")); }},
+        {"a screen reader, in the middle",
+         [=](QWidget *field) { insert(field, 3, QStringLiteral("hello")); }},
+        {"a screen reader, letter by letter",
+         [=](QWidget *field) {
+             insert(field, 0, QStringLiteral("h"));
+             insert(field, 1, QStringLiteral("ello"));
+         }},
+        {"a screen reader, all at once",
+         [=](QWidget *field) {
+             QAccessibleInterface *reader = QAccessible::queryAccessibleInterface(field);
+             const int end = reader->textInterface()->characterCount();
+             reader->editableTextInterface()->replaceText(0, end, QStringLiteral("hello"));
+         }},
+    };
+    for (const char *field : {"lineCaption", "textDescription"}) {
+        for (const auto &[name, way] : ways)
+            QTest::newRow(field + (": " + name))
+                << QString::fromLatin1(field) << way << QStringLiteral("Hello");
+    }
+    // As long as the prompt, and with its beginning and its end.
+    for (const char *text : {"Sunsets", "Capital", "Cannon", "Action"}) {
+        const Way set = [text](QWidget *field) {
+            QAccessible::queryAccessibleInterface(field)->setText(QAccessible::Value,
+                                                                  QLatin1String(text));
+        };
+        QTest::newRow(text) << QStringLiteral("lineCaption") << set << QString::fromLatin1(text);
+    }
+}
+
+void tst_UploadMediaController::noFirstLetterIsLost()
+{
+    QFETCH(QString, field);
+    QFETCH(std::function<void(QWidget *)>, enter);
+    QFETCH(QString, text);
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    driver.choose(driver.makePhoto(QStringLiteral("a.png"), 40, 30));
+    enter(driver.wizard->findChild<QWidget *>(field));
+    if (field == QLatin1String("lineCaption")) {
+        QCOMPARE(driver.caption(), text);
+        QCOMPARE(driver.description(), QStringLiteral("Description"));
+        QVERIFY(driver.window.click("doneButton"));
+        QVERIFY(driver.window.find("categoriesTable"));
+    } else {
+        QCOMPARE(driver.description(), text);
+        QCOMPARE(driver.caption(), QStringLiteral("Caption"));
+    }
+    QCOMPARE(driver.lastBox(), QString());
+}
+
+void tst_UploadMediaController::thePromptGoesBeforeTheFirstLetterIsComposed()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    driver.choose(driver.makePhoto(QStringLiteral("a.png"), 40, 30));
+    QInputMethodEvent event(QStringLiteral("h"), {});
+    QCoreApplication::sendEvent(driver.part<QLineEdit>("lineCaption"), &event);
+    QCOMPARE(driver.caption(), QString());
+    QCOMPARE(driver.part<QLineEdit>("lineCaption")->displayText(), QString());
+    QCoreApplication::sendEvent(driver.part<QPlainTextEdit>("textDescription"), &event);
+    QCOMPARE(driver.description(), QString());
 }
 
 void tst_UploadMediaController::theFirstLetterBecomesACapital()
