@@ -92,6 +92,11 @@ private slots:
 
     void strips_data();
     void strips();
+    void numbersAreShownWhole_data();
+    void numbersAreShownWhole();
+    void numbersThatDoNotFitSaySo();
+    void titlesKeepTheirAccentsAndTails_data();
+    void titlesKeepTheirAccentsAndTails();
     void titlesLongerThanSixtyCharactersAreCutNotElided();
     void marksStandInARow_data();
     void marksStandInARow();
@@ -540,6 +545,101 @@ void tst_KavlorMyAuctionsModel::strips()
                          QLatin1String(QTest::currentDataTag()));
 }
 
+void tst_KavlorMyAuctionsModel::numbersAreShownWhole_data()
+{
+    QTest::addColumn<int>("number");
+    for (const int number : {0, 88, 12345, 99999, 100000, 123456, 999999, 1000000, 2147483647, -5,
+                             -123456, -2147483647})
+        QTest::newRow(QByteArray::number(number).constData()) << number;
+}
+
+// Nothing of a number reaches the border of its place, where the rest would be missing.
+void tst_KavlorMyAuctionsModel::numbersAreShownWhole()
+{
+    QFETCH(int, number);
+    const QImage viewed(QStringLiteral(":/viewed.png"));
+    const QImage bidding(QStringLiteral(":/biddingOn.png"));
+    const QImage bareViewed = plain(viewed);
+    const QImage bareBidding = plain(bidding);
+    const auto isMissing = [](const QImage &mark, const QImage &bare, int left, int width) {
+        for (int y = 0; y < mark.height(); ++y) {
+            for (const int x : {left, left + width - 1}) {
+                if (mark.pixel(x, y) != bare.pixel(x, y))
+                    return true;
+            }
+        }
+        return false;
+    };
+
+    CAuctionRow auction;
+    auction.views = number;
+    auction.bids = number;
+    const QImage strip = plain(paintAuctionStrip(auction).toImage());
+    const QImage first = strip.copy(QRect(marksStart, viewed.size()));
+    const QImage second = strip.copy(QRect(QPoint(viewed.width() + 2, 28), bidding.size()));
+    QVERIFY(first != bareViewed && second != bareBidding);
+    QVERIFY(!isMissing(first, bareViewed, viewed.width() / 2 - viewed.width() / 10,
+                       viewed.width() / 2));
+    QVERIFY(!isMissing(second, bareBidding, bidding.width() / 3 - 1, bidding.width() / 2));
+}
+
+void tst_KavlorMyAuctionsModel::numbersThatDoNotFitSaySo()
+{
+    const auto strip = [](int views) {
+        CAuctionRow auction;
+        auction.views = views;
+        return paintAuctionStrip(auction).toImage();
+    };
+    QVERIFY(strip(999998) != strip(999999));
+    QVERIFY(strip(999999) != strip(2147483647));
+    QCOMPARE(strip(1234567890), strip(2147483647));
+    QVERIFY(strip(-1234567890) != strip(2147483647));
+}
+
+void tst_KavlorMyAuctionsModel::titlesKeepTheirAccentsAndTails_data()
+{
+    QTest::addColumn<QString>("letters");
+    QTest::newRow("tails") << QStringLiteral("gjpqy");
+    QTest::newRow("an accent on a capital") << QStringLiteral(u"\u00C5");
+    QTest::newRow("two accents and a tail") << QStringLiteral(u"\u1EA4\u1E68g");
+    QTest::newRow("neither") << QStringLiteral("xom");
+}
+
+void tst_KavlorMyAuctionsModel::titlesKeepTheirAccentsAndTails()
+{
+    QFETCH(QString, letters);
+    constexpr int free = 500; // right of all marks
+    const QString title = QString(18, QLatin1Char('m')) + letters;
+    // The same where there is room above and below.
+    QImage canvas(QSize(680, 200), QImage::Format_ARGB32_Premultiplied);
+    canvas.fill(Qt::transparent);
+    QPainter painter(&canvas);
+    painter.setFont(QFont(QStringLiteral("LargeSystemFont"), 21, QFont::Bold));
+    painter.setPen(QColor(249, 167, 31));
+    painter.drawText(QRect(1, 80, 679, 27),
+                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
+                     title);
+    painter.end();
+
+    const auto inked = [](const QImage &image) {
+        QRect ink;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = free; x < image.width(); ++x) {
+                if (qAlpha(image.pixel(x, y)) > 0)
+                    ink |= QRect(x, y, 1, 1);
+            }
+        }
+        return ink;
+    };
+    CAuctionRow auction;
+    auction.title = title;
+    const QImage strip = plain(paintAuctionStrip(auction).toImage());
+    const QRect whole = inked(canvas);
+    QVERIFY(!whole.isEmpty());
+    QCOMPARE(inked(strip).size(), whole.size());
+    QCOMPARE(pictureDifference(strip.copy(inked(strip)), canvas.copy(whole)), QString());
+}
+
 void tst_KavlorMyAuctionsModel::titlesLongerThanSixtyCharactersAreCutNotElided()
 {
     const QString sixty = QString(59, QLatin1Char('i')) + QLatin1Char('l');
@@ -549,7 +649,11 @@ void tst_KavlorMyAuctionsModel::titlesLongerThanSixtyCharactersAreCutNotElided()
     auction.title = sixty + QStringLiteral("mmmmmm");
     QCOMPARE(paintAuctionStrip(auction).toImage(), whole);
     auction.title = sixty.left(59);
-    QVERIFY(paintAuctionStrip(auction).toImage() != whole);
+    const QImage shorter = paintAuctionStrip(auction).toImage();
+    QVERIFY(shorter != whole);
+    // Of a character that takes two there is no half.
+    auction.title += QStringLiteral(u"\U0001F305 over the bay");
+    QCOMPARE(paintAuctionStrip(auction).toImage(), shorter);
 }
 
 void tst_KavlorMyAuctionsModel::marksStandInARow_data()
