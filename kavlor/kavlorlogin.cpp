@@ -29,8 +29,6 @@ KavlorLogin::KavlorLogin(QSettings *settings, QWidget *parent)
     m_ui->forgotPassword->setText(tr("I forgot <a href=\"%1\">password</a>").arg(passwordPage()));
 
     connect(m_ui->loginButton, &QPushButton::clicked, this, &KavlorLogin::loginClick);
-    connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
-            &KavlorLogin::ValidationDone);
     for (QLineEdit *line : {m_ui->lineUsername, m_ui->linePassword}) {
         connect(line, &QLineEdit::textChanged, this, &KavlorLogin::UserChanged);
         connect(line, &QLineEdit::returnPressed, m_ui->loginButton, &QPushButton::click);
@@ -52,6 +50,9 @@ void KavlorLogin::loginClick()
 {
     m_ui->labelError->clear();
     setFormEnabled(false);
+    // For this answer only: the request object may report more when nothing is waited for.
+    connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
+            &KavlorLogin::ValidationDone, Qt::SingleShotConnection);
     m_request->validateLogin(m_ui->lineUsername->text(), m_ui->linePassword->text());
 }
 

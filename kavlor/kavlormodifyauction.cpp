@@ -15,8 +15,6 @@ CKavlorModifyAuction::CKavlorModifyAuction(CKavlorUser *user, int auctionId,
     , m_ui(std::make_unique<Ui::CKavlorModifyAuction>())
 {
     m_ui->setupUi(this);
-    connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
-            &CKavlorModifyAuction::requestIsFinished);
     if (m_auction.finished) {
         emit done(0, 0, 0);
         return;
@@ -40,6 +38,9 @@ void CKavlorModifyAuction::doneClicked()
     m_newReserve = m_ui->reservedPrice->value();
     // Disabled before the request, which may wait for a connection and even fail in the call.
     m_ui->done->setEnabled(false);
+    // For this answer only: the request object may report more when nothing is waited for.
+    connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
+            &CKavlorModifyAuction::requestIsFinished, Qt::SingleShotConnection);
     m_request->modifyAuction(m_user->field(CKavlorUser::Username),
                              m_user->field(CKavlorUser::Password),
                              static_cast<quint32>(m_auctionId), static_cast<quint32>(m_newReserve),

@@ -2,6 +2,7 @@
 #include "kavlorknownuser.h"
 #include "kavlorlogin.h"
 #include "pixels.h"
+#include "resultlog.h"
 #include "rootwindow.h"
 #include "testcase.h"
 #include "testconstants.h"
@@ -28,6 +29,8 @@ private slots:
     void theErrorStandsWhileAFieldIsEmpty();
     void theNextLoginClearsTheError();
     void transportErrorIsTold();
+    void lateTimeOutOfARefusedLoginIsNotTold();
+    void secondResultOfATimeOutIsNotShown();
     void theFormIsDisabledWhileTheRequestRuns();
     void doubleClickSendsOnce();
     void returnSubmits();
@@ -188,6 +191,44 @@ void tst_KavlorLogin::transportErrorIsTold()
     QTRY_VERIFY(m_window->find("loginButton")->isEnabled());
     QVERIFY(m_window->find("lineUsername")->isEnabled());
     QCOMPARE(m_window->text("labelError"), QString());
+}
+
+void tst_KavlorLogin::lateTimeOutOfARefusedLoginIsNotTold()
+{
+    testTimeConstants().formTimeout = 1500;
+    m_window->service.expect("ValidateLogin", "0");
+    const ResultLog results(m_window->shown<KavlorLogin>()->findChild<CHttpTolvex *>());
+    QVERIFY(typeLogin());
+    QVERIFY(m_window->click("loginButton"));
+    QTRY_VERIFY(!m_window->text("labelError").isEmpty());
+    QTRY_COMPARE(results.textAt(1),
+                 ResultLog::text(QStringLiteral("ERROR:timeout"),
+                                 QStringLiteral("Unable to get a server response")));
+    QCOMPARE(m_window->dialogs.boxes().size(), 0);
+    QCOMPARE(m_window->text("labelError"), QStringLiteral("kavlor authentication failed."));
+
+    // The next try is heard again.
+    m_window->service.expect("ValidateLogin", "0");
+    QTest::keyClicks(m_window->find("linePassword"), QStringLiteral("x"));
+    QCOMPARE(m_window->text("labelError"), QString());
+    QVERIFY(m_window->click("loginButton"));
+    QTRY_VERIFY(!m_window->text("labelError").isEmpty());
+}
+
+void tst_KavlorLogin::secondResultOfATimeOutIsNotShown()
+{
+    testTimeConstants().formTimeout = 100;
+    m_window->service.expectHeld("ValidateLogin", "1");
+    const ResultLog results(m_window->shown<KavlorLogin>()->findChild<CHttpTolvex *>());
+    QVERIFY(typeLogin());
+    QVERIFY(m_window->click("loginButton"));
+    QTRY_COMPARE(m_window->dialogs.boxes().size(), 1);
+    QTRY_VERIFY(m_window->find("loginButton")->isEnabled());
+    QTRY_VERIFY(m_window->service.isHolding());
+    QVERIFY(m_window->service.release());
+    QTRY_COMPARE(results.textAt(1), ResultLog::text(QString(), QString()));
+    QCOMPARE(m_window->text("labelError"), QString());
+    QCOMPARE(m_window->dialogs.boxes().size(), 1);
 }
 
 void tst_KavlorLogin::theFormIsDisabledWhileTheRequestRuns()

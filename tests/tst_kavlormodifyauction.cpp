@@ -4,6 +4,7 @@
 #include "kavlormodifyauction.h"
 #include "kavloruser.h"
 #include "onlineconnector.h"
+#include "resultlog.h"
 #include "scriptedservice.h"
 #include "testcase.h"
 #include "testconstants.h"
@@ -82,6 +83,7 @@ private slots:
     void transportErrorIsAFailure();
     void afterAFailureThePricesCanBeCorrected();
     void aTimeOutIsAFailure();
+    void theSecondResultOfATimeOutIsNoSuccess();
     void noConnectionIsAFailureAndTheButtonComesBack();
     void anEmptyReplyIsASuccess();
     void leftWhileTheSuccessBoxIsOpen();
@@ -403,6 +405,24 @@ void tst_KavlorModifyAuction::aTimeOutIsAFailure()
              failureText(QStringLiteral("ERROR:timeout"),
                          QStringLiteral("Unable to get a server response")));
     QTRY_VERIFY(button()->isEnabled());
+    QCOMPARE(done.size(), 0);
+}
+
+void tst_KavlorModifyAuction::theSecondResultOfATimeOutIsNoSuccess()
+{
+    testTimeConstants().formTimeout = 100;
+    m_service->expectHeld("ModifyAuction", "ERROR: too low");
+    open();
+    QSignalSpy done(m_frame, &CKavlorModifyAuction::done);
+    const ResultLog results(m_frame->findChild<CHttpTolvex *>());
+    press();
+    QTRY_COMPARE(m_dialogs->boxes().size(), 1);
+    QTRY_VERIFY(button()->isEnabled());
+    QTRY_VERIFY(m_service->isHolding());
+    QVERIFY(m_service->release());
+    QTRY_COMPARE(results.textAt(1), ResultLog::text(QString(), QString()));
+    QTRY_VERIFY(!QApplication::activeModalWidget());
+    QCOMPARE(m_dialogs->boxes().size(), 1);
     QCOMPARE(done.size(), 0);
 }
 
