@@ -2,6 +2,7 @@
 
 #include "doubletapguard.h"
 #include "framearea.h"
+#include "framecreateaccount.h"
 #include "framewelcomekavlor.h"
 #include "httptolvex.h"
 #include "kavlorcategorystore.h"
@@ -34,7 +35,6 @@ RootViewController::RootViewController(QSettings *settings, QWidget *parent)
     , m_user(nullptr, this, false, CKavlorUser::defaultFields())
     , m_notificationOptions(this)
     , m_ui(std::make_unique<Ui::RootViewController>())
-    , m_request(new CHttpTolvex(this))
     , m_settings(settings)
 {
     m_ui->setupUi(this);
@@ -45,8 +45,7 @@ RootViewController::RootViewController(QSettings *settings, QWidget *parent)
     new DoubleTapGuard(m_ui->navigationBar);
 
     connect(this, &RootViewController::WelcomeKavlor, this, &RootViewController::ShowLoginOptions);
-    connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
-            &RootViewController::requestDone);
+    makeRequest();
     connect(this, &RootViewController::UploadComplete, this,
             &RootViewController::showNotifications);
 
@@ -171,6 +170,7 @@ void RootViewController::showWelcome()
     m_notificationOptionsText.clear();
     m_user.setField(CKavlorUser::Username, QString());
     m_user.save();
+    forgetMember();
 
     auto *bar = new NavigationFrame(m_ui->navigationBar, false, false);
     bar->setWelcomeText(tr("welcome to "));
@@ -179,6 +179,37 @@ void RootViewController::showWelcome()
 
     auto *frame = new FrameWelcomeKavlor(m_settings, m_ui->mainView);
     frame->show();
+}
+
+void RootViewController::closeEvent(QCloseEvent *event)
+{
+    // An account form that is left like this counts as cancelled: the live record has followed it,
+    // and is saved at the end.
+    const QList<FrameCreateAccount *> forms = m_ui->mainView->findChildren<FrameCreateAccount *>();
+    for (FrameCreateAccount *form : forms) {
+        if (!form->isHidden())
+            form->lower();
+    }
+    QFrame::closeEvent(event);
+}
+
+// Leaves nothing of the former member for the next.
+void RootViewController::forgetMember()
+{
+    m_user = CKavlorUser(nullptr, nullptr, true, CKavlorUser::defaultFields());
+    m_notificationOptions = CKavlorNotificationOptions();
+    // Whatever is still asked for in the former member's name is not heard any more.
+    m_requestState = NothingRequested;
+    m_request->disconnect(this);
+    m_request->deleteLater();
+    makeRequest();
+}
+
+void RootViewController::makeRequest()
+{
+    m_request = new CHttpTolvex(this);
+    connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
+            &RootViewController::requestDone);
 }
 
 void RootViewController::showHome(const QString &userName, const QString &password, bool aValidated)

@@ -82,6 +82,9 @@ public slots:
     void exitInitiated();
     void doExit();
 
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
 private:
     enum RequestState {
         NothingRequested = 0,
@@ -90,6 +93,8 @@ private:
     };
 
     void showWelcome();
+    void forgetMember();
+    void makeRequest();
     void showHome(const QString &userName, const QString &password, bool aValidated);
     void deleteBar();
     NavigationControlableFrame *makeControlableBar(const QString &title, const QString &icon);
@@ -100,7 +105,7 @@ private:
     CKavlorNotificationOptions m_notificationOptions;
     std::unique_ptr<Ui::RootViewController> m_ui;
     QPointer<QFrame> m_bar;
-    CHttpTolvex *m_request;
+    CHttpTolvex *m_request = nullptr;
     RequestState m_requestState = NothingRequested;
     QSettings *m_settings;
     QString m_termsText;

@@ -20,6 +20,7 @@
 #include <QTabWidget>
 #include <QTableView>
 #include <QTimer>
+#include <QWindow>
 
 class tst_AccountFlow : public TestCase
 {
@@ -34,6 +35,11 @@ private slots:
     void cancelLeavesAtAnyMoment_data();
     void cancelLeavesAtAnyMoment();
     void createdMemberIsKnownAtTheNextStart();
+
+    void newAccountHasNothingOfTheMemberBefore();
+    void alertsOfTheMemberBeforeAreNotTheNextOnes();
+    void requestOfTheMemberBeforeIsHeardNoMore();
+    void windowClosedOverAHalfFilledFormLeavesStoredMembersAlone();
 
     void settingsMenuAndBackHome();
     void homeIsReachedOnceByADoubleClickOnBack();
@@ -92,6 +98,19 @@ bool openSettings(RootWindow &window)
 {
     return window.startAtHome() && window.click("buttonSettings")
         && window.shown<CKavlorSettings>();
+}
+
+// Clicks "Sign out", and waits for the screen that follows.
+bool signOut(RootWindow &window)
+{
+    return window.click("cancelNavigationButton")
+        && QTest::qWaitFor([&window] { return window.shown<FrameWelcomeKavlor>() != nullptr; });
+}
+
+bool logIn(RootWindow &window, const QString &name)
+{
+    return window.click("loginButton") && window.type("lineUsername", name)
+        && window.type("linePassword", QStringLiteral("other")) && window.click("loginButton");
 }
 
 QString stored(const RootWindow &window, const char *key)
@@ -284,6 +303,103 @@ void tst_AccountFlow::createdMemberIsKnownAtTheNextStart()
     QCOMPARE(window.root()->user()->userId(), 4711);
     QCOMPARE(window.root()->user()->field(CKavlorUser::EmailAddress),
              QStringLiteral("m5@example.org"));
+}
+
+void tst_AccountFlow::newAccountHasNothingOfTheMemberBefore()
+{
+    RootWindow window;
+    window.settings.setValue(QStringLiteral("UserData.m1/Paypal Address"),
+                             QStringLiteral("m1@pay.example.org"));
+    window.settings.setValue(QStringLiteral("UserData.m1/Twitter Username"), QStringLiteral("tw"));
+    window.settings.setValue(QStringLiteral("UserData.m1/Country ID"), QStringLiteral("FI"));
+    window.settings.setValue(QStringLiteral("UserData.m1/Twitter Password"),
+                             QStringLiteral("twsecret"));
+    window.settings.setValue(QStringLiteral("UserData.m1/Username"), QStringLiteral("m1"));
+    window.settings.setValue(QStringLiteral("UserData.m1/Password"), QStringLiteral("secret"));
+    window.settings.setValue(QStringLiteral("UserData.m1/UserID"), 7);
+    window.settings.setValue(QStringLiteral("last/USERID"), QStringLiteral("m1"));
+    window.scriptSignedInStart();
+    window.start();
+    QTRY_VERIFY(window.shown<KavlorKnownUser>());
+    QCOMPARE(window.root()->user()->userId(), 7);
+
+    QVERIFY(signOut(window));
+    QCOMPARE(window.root()->user()->userId(), 0);
+    QVERIFY(window.click("createAccountButton"));
+    QVERIFY(fillIn(window));
+    window.service.expect("CreateAccount", "4711");
+    window.service.expect("GetNotificationOptions", "options\n0,1,0,0\n");
+    QVERIFY(window.click("submitButton"));
+    QTRY_VERIFY2(window.service.isDone(), window.service.report());
+    const QList<ScriptedService::Request> requests = window.service.requests();
+    QCOMPARE(requests.at(requests.size() - 2).body,
+             QByteArray("Password2=new&Username=m5&Password1=new&FirstName=&LastName="
+                        "&EmailAddress=m5@example.org&PaypalAddress=&CountryID=US&Gender=M"
+                        "&Language=EN&TwitterUsername=&TwitterPassword=&SUBMIT=Submit"));
+    QCOMPARE(stored(window, "UserData.m1/Paypal Address"), QStringLiteral("m1@pay.example.org"));
+}
+
+void tst_AccountFlow::alertsOfTheMemberBeforeAreNotTheNextOnes()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome()); // with alerts for bids and questions
+    QVERIFY(signOut(window));
+    window.service.expect("ValidateLogin", "1");
+    window.service.expect("GetNotificationOptions", "ERROR");
+    QVERIFY(logIn(window, QStringLiteral("m2")));
+    QTRY_VERIFY(window.shown<KavlorKnownUser>());
+    QTRY_VERIFY2(window.service.isDone(), window.service.report());
+
+    QVERIFY(window.click("buttonSettings"));
+    QVERIFY(window.click("pushButtonNotifications"));
+    for (const char *box :
+         {"checkBoxOnBid", "checkBoxOnAuctionEnd", "checkBoxOnView", "checkBoxBuyerQuestion"}) {
+        QVERIFY2(!window.find<QCheckBox>(box)->isChecked(), box);
+    }
+    window.service.expect("SetNotificationOptions", "1");
+    QVERIFY(window.click("pushButtonDone"));
+    QTRY_VERIFY2(window.service.isDone(), window.service.report());
+    QCOMPARE(window.service.requests().constLast().body,
+             QByteArray("Username=m2&Password=other&NotifyOnBid=0&NotifyOnAuctionEnd=0"
+                        "&NotifyOnView=0&NotifyOnBuyerQuestion=0&SUBMIT=Submit"));
+}
+
+void tst_AccountFlow::requestOfTheMemberBeforeIsHeardNoMore()
+{
+    RootWindow window;
+    QVERIFY(window.startAtWelcome());
+    window.service.expect("ValidateLogin", "1");
+    window.service.expectHeld("GetNotificationOptions", "options\n1,1,1,1\n");
+    QVERIFY(logIn(window, QStringLiteral("m1")));
+    QTRY_VERIFY(window.shown<KavlorKnownUser>());
+    QTRY_VERIFY(window.service.isHolding());
+    QVERIFY(signOut(window));
+    window.service.release();
+
+    // No request for categories follows in nobody's name: the next one is the next member's.
+    window.service.expect("ValidateLogin", "1");
+    scriptFirstHome(window);
+    QVERIFY(logIn(window, QStringLiteral("m2")));
+    QTRY_VERIFY2(window.service.isDone(), window.service.report());
+    QCOMPARE(window.service.requests().constLast().body,
+             QByteArray("Username=m2&Password=other&SUBMIT=Submit"));
+}
+
+void tst_AccountFlow::windowClosedOverAHalfFilledFormLeavesStoredMembersAlone()
+{
+    RootWindow window;
+    window.remember(QStringLiteral("m1"), QStringLiteral("secret"));
+    window.settings.setValue(QStringLiteral("last/USERID"), QString());
+    QVERIFY(openCreation(window));
+    QVERIFY(window.type("lineUsername", QStringLiteral("m1")));
+    QVERIFY(window.type("linePassword", QStringLiteral("zz")));
+    QVERIFY(window.root()->windowHandle()->close());
+    QTRY_VERIFY(!window.root()->isVisible());
+    window.end();
+    QCOMPARE(stored(window, "UserData.m1/Password"), QStringLiteral("secret"));
+    QCOMPARE(stored(window, "UserData.m1/Email Address"), QStringLiteral("m1@example.org"));
+    QCOMPARE(stored(window, "last/USERID"), QString());
+    QVERIFY2(window.service.isDone(), window.service.report());
 }
 
 void tst_AccountFlow::settingsMenuAndBackHome()
