@@ -89,7 +89,7 @@ Accounts::Accounts(Database &database)
 {
 }
 
-Result<qint64> Accounts::login(const QString &username, const QString &password)
+Result<Accounts::Stored> Accounts::stored(const QString &username)
 {
     const Result<Database::Rows> found = Database::Session(m_database)
                                              .select(QStringLiteral("SELECT id, password_hash FROM "
@@ -97,9 +97,24 @@ Result<qint64> Accounts::login(const QString &username, const QString &password)
                                                      {username});
     if (!found.isOk())
         return found.failure();
-    const Database::Row known = found.value().value(0);
-    const qint64 member = known.value(0).toLongLong();
-    const QByteArray hash = known.value(1).toByteArray();
+    const Database::Row row = found.value().value(0);
+    return Stored{row.value(0).toLongLong(), row.value(1).toByteArray()};
+}
+
+Result<bool> Accounts::isRemembered(const QString &username, const QString &password)
+{
+    const Result<Stored> found = stored(username);
+    if (!found.isOk())
+        return found.failure();
+    return m_remembered.isKnown(found.value().hash, password);
+}
+
+Result<qint64> Accounts::login(const QString &username, const QString &password)
+{
+    const Result<Stored> found = stored(username);
+    if (!found.isOk())
+        return found.failure();
+    const auto [member, hash] = found.value();
     if (m_remembered.isKnown(hash, password))
         return member;
     // Of many requests that come at once the first one finds out for all.

@@ -33,6 +33,9 @@ public:
      */
     Result<qint64> login(const QString &username, const QString &password);
 
+    /** Whether login() would say yes at once. */
+    Result<bool> isRemembered(const QString &username, const QString &password);
+
     /** A new member from the fields of an account form; the member's number. */
     Result<qint64> create(const FormBody &form);
     /** New e-mail, payment address and password for the member who logs in with the form. */
@@ -54,6 +57,13 @@ public:
                              const QString &password2);
 
 private:
+    struct Stored
+    {
+        qint64 member = 0; ///< 0 = there is none of this name
+        QByteArray hash;
+    };
+    Result<Stored> stored(const QString &username);
+
     Database &m_database;
     LoginMemory m_remembered;
     std::mutex m_checking; // one password at a time

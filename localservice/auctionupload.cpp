@@ -36,16 +36,19 @@ void AuctionUpload::feed(const QByteArray &bytes)
     m_reader.feed(bytes);
 }
 
-Operations::Reply AuctionUpload::finish(bool isWhole)
+qint64 AuctionUpload::heldBytes() const
 {
-    return Operations::number(store(isWhole));
+    return m_reader.heldBytes();
 }
 
-Result<qint64> AuctionUpload::store(bool isWhole)
+Operations::Reply AuctionUpload::finish()
+{
+    return Operations::number(store());
+}
+
+Result<qint64> AuctionUpload::store()
 {
     m_reader.finish();
-    if (!isWhole && m_reader.error().isEmpty())
-        return refused(QStringLiteral("the upload was cut short"));
     const Result<void> checked = check();
     if (!checked.isOk())
         return checked.failure();

@@ -24,11 +24,13 @@ public:
                   const QByteArray &contentType, qint64 maxMediaBytes);
 
     void feed(const QByteArray &bytes);
-    /** What to answer once the body is over, or has ended too early. */
-    Operations::Reply finish(bool isWhole);
+    /** How much of it is in memory; the media never is. */
+    qint64 heldBytes() const;
+    /** What to answer now that the body is over. */
+    Operations::Reply finish();
 
 private:
-    Result<qint64> store(bool isWhole);
+    Result<qint64> store();
     Result<void> check() const;
     Auctions::NewAuction auction() const;
 

@@ -6,6 +6,8 @@
 
 namespace {
 
+constexpr qsizetype maxFields = 100;
+
 // Members' devices send the bytes of their own locale: UTF-8, or else Latin-1.
 QString decoded(QByteArray value)
 {
@@ -20,11 +22,14 @@ QString decoded(QByteArray value)
 FormBody FormBody::fromUrlEncoded(const QByteArray &body)
 {
     FormBody form;
-    const QList<QByteArray> pairs = body.split('&');
-    for (const QByteArray &pair : pairs) {
+    qsizetype from = 0;
+    while (from < body.size() && form.m_fields.size() < maxFields) {
+        const qsizetype ampersand = body.indexOf('&', from);
+        const QByteArray pair = body.mid(from, ampersand < 0 ? -1 : ampersand - from);
         const qsizetype equals = pair.indexOf('=');
         if (equals > 0)
             form.set(decoded(pair.left(equals)), decoded(pair.mid(equals + 1)));
+        from = ampersand < 0 ? body.size() : ampersand + 1;
     }
     return form;
 }

@@ -16,7 +16,8 @@ public:
 
     /**
      * Reads "name=value" pairs joined by "&", percent-encoded. Empty pairs are passed over, so
-     * doubled ampersands do no harm; of a repeated field the last one stands.
+     * doubled ampersands do no harm; of a repeated field the last one stands. After a hundred
+     * fields the rest is passed over.
      */
     static FormBody fromUrlEncoded(const QByteArray &body);
 

@@ -1,134 +1,363 @@
 #include "httpservice.h"
 
 #include "auctionupload.h"
+#include "byterange.h"
+#include "effort.h"
 
-#include <httplib.h>
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <microhttpd.h>
+#include <netinet/in.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <thread>
 
 namespace {
 
-constexpr size_t threads = 16;
-constexpr time_t patienceSeconds = 60;
-constexpr time_t silenceSeconds = 2;
+// Event loops; each may wait for the disk while it takes an upload.
+constexpr unsigned loops = 4;
+constexpr unsigned mostConnections = 4000;
+constexpr rlim_t filesBesides = 200; // that are no connections, and each may be an upload as well
+constexpr size_t connectionBytes = 16UL * 1024; // a request's lines and headers have to fit in
+constexpr unsigned silenceSeconds = 60;
+
+constexpr int readingThreads = 2;
+constexpr int changingThreads = 6;
+constexpr int picturingThreads = 2;
+
 constexpr qsizetype maxFormBytes = 1024L * 1024;
 // A body beyond its limit is read on for so long that its sender gets to read the refusal.
 constexpr qint64 maxIgnoredBytes = 1024L * 1024 * 1024;
+// What all requests together may have in memory of their bodies.
+constexpr qint64 maxHeldBytes = 32L * 1024 * 1024;
 
-constexpr size_t pieceBytes = 64UL * 1024;
+constexpr std::chrono::milliseconds endPatience{1000};
 
-// Where the content type is kept from the server, see takeRequestAsIs().
-const char *const ownContentType = "X-Own-Content-Type";
-
-// The server would read multipart bodies itself, by rules that our members' devices do not keep,
-// and compress replies for devices that say they accept it but do not unpack them. It decides both
-// by these headers, which it looks at only later; the request is its own and not const.
-httplib::Server::HandlerResponse takeRequestAsIs(const httplib::Request &constRequest,
-                                                 httplib::Response &)
+unsigned connectionLimit()
 {
-    auto &request = const_cast<httplib::Request &>(constRequest);
-    request.headers.erase("Accept-Encoding");
-    request.headers.erase(ownContentType);
-    const std::string contentType = request.get_header_value("Content-Type");
-    request.headers.erase("Content-Type");
-    request.set_header(ownContentType, contentType);
-    return httplib::Server::HandlerResponse::Unhandled;
+    rlimit files = {};
+    getrlimit(RLIMIT_NOFILE, &files);
+    files.rlim_cur = std::min<rlim_t>(files.rlim_max, 2 * mostConnections + filesBesides);
+    setrlimit(RLIMIT_NOFILE, &files);
+    const rlim_t spare = files.rlim_cur > 2 * filesBesides ? files.rlim_cur - filesBesides : 200;
+    return unsigned(std::min<rlim_t>(mostConnections, spare));
 }
 
-// Unlike the server's own choice this does not let a second service take the same port.
-void setSocketOptions(socket_t socket)
+// The values of a header line, joined when there are several of one name.
+QByteArray header(MHD_Connection *connection, const char *name)
 {
-    const int yes = 1;
-    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
+    struct Search
+    {
+        const char *name;
+        QByteArrayList values;
+    } search{name, {}};
+    MHD_get_connection_values(
+        connection, MHD_HEADER_KIND,
+        [](void *context, MHD_ValueKind, const char *key, const char *value) {
+            auto *const wanted = static_cast<Search *>(context);
+            if (qstricmp(key, wanted->name) == 0)
+                wanted->values.append(value ? value : "");
+            return MHD_YES;
+        },
+        &search);
+    return search.values.join(", ");
 }
 
-QByteArray header(const httplib::Request &request, const char *name)
+FormBody query(MHD_Connection *connection)
 {
-    return QByteArray::fromStdString(request.get_header_value(name));
+    FormBody fields;
+    MHD_get_connection_values(
+        connection, MHD_GET_ARGUMENT_KIND,
+        [](void *context, MHD_ValueKind, const char *key, const char *value) {
+            static_cast<FormBody *>(context)->set(QString::fromUtf8(key), QString::fromUtf8(value));
+            return MHD_YES;
+        },
+        &fields);
+    return fields;
 }
 
-// Hands each piece of the body to @p take; false when the body was not complete.
-bool readBody(const httplib::ContentReader &reader, qint64 limit,
-              const std::function<void(const QByteArray &)> &take)
+Failure busy()
 {
-    qint64 total = 0;
-    return reader([&](const char *data, size_t length) {
-        total += qint64(length);
-        take(QByteArray::fromRawData(data, qsizetype(length)));
-        return total <= limit + maxIgnoredBytes;
-    });
-}
-
-// A form's body, or why it cannot be taken.
-Result<QByteArray> readWhole(const httplib::ContentReader &reader)
-{
-    QByteArray body;
-    bool isTooLong = false;
-    const bool isWhole = readBody(reader, maxFormBytes, [&](const QByteArray &bytes) {
-        isTooLong = isTooLong || body.size() + bytes.size() > maxFormBytes;
-        if (!isTooLong)
-            body.append(bytes);
-    });
-    if (isTooLong)
-        return refused(QStringLiteral("the request is too long"));
-    if (!isWhole)
-        return refused(QStringLiteral("the request was cut short"));
-    return body;
-}
-
-void sendFile(const QString &path, const QByteArray &type, httplib::Response &response)
-{
-    const auto file = std::make_shared<QFile>(path);
-    if (!file->open(QIODevice::ReadOnly)) {
-        response.status = 404;
-        return;
-    }
-    response.set_content_provider(
-        size_t(file->size()), type.toStdString(),
-        [file](size_t offset, size_t length, httplib::DataSink &sink) {
-            if (!file->seek(qint64(offset)))
-                return false;
-            const QByteArray bytes = file->read(qint64(std::min(length, pieceBytes)));
-            return !bytes.isEmpty() && sink.write(bytes.constData(), size_t(bytes.size()));
-        });
-}
-
-WebSite::Request siteRequest(const httplib::Request &request)
-{
-    WebSite::Request asked;
-    asked.method = QByteArray::fromStdString(request.method);
-    asked.path = QString::fromStdString(request.path);
-    for (const auto &parameter : request.params)
-        asked.query.set(QString::fromStdString(parameter.first),
-                        QString::fromStdString(parameter.second));
-    asked.cookies = header(request, "Cookie");
-    asked.host = header(request, "Host");
-    asked.origin = header(request, "Origin");
-    return asked;
-}
-
-void sendSiteReply(const WebSite::Reply &reply, httplib::Response &response)
-{
-    response.set_header(
-        "Content-Security-Policy",
-        "default-src 'self'; script-src 'none'; object-src 'none'; base-uri 'none'; "
-        "style-src 'unsafe-inline'; form-action 'self'; frame-ancestors 'none'");
-    response.set_header("X-Content-Type-Options", "nosniff");
-    response.set_header("Referrer-Policy", "same-origin");
-    response.set_header("Cache-Control", "no-store");
-    // Without a word from us the server says 200, or 206 when a part was asked for.
-    if (reply.status != 200)
-        response.status = reply.status;
-    if (!reply.cookie.isEmpty())
-        response.set_header("Set-Cookie", reply.cookie.toStdString());
-    if (!reply.location.isEmpty())
-        response.set_redirect(reply.location.toStdString(), reply.status);
-    else if (!reply.file.isEmpty())
-        sendFile(reply.file, reply.type, response);
-    else
-        response.set_content(reply.body.constData(), size_t(reply.body.size()),
-                             reply.type.toStdString());
+    return broken(QStringLiteral("the service is busy, please try again"));
 }
 
 } // namespace
+
+/** One request on its way: its body while it arrives, then its answer. */
+class HttpService::Exchange
+{
+public:
+    Exchange(HttpService &service, MHD_Connection *connection, const char *url, const char *method)
+        : m_service(service)
+        , m_connection(connection)
+        , m_path(QString::fromUtf8(url))
+        , m_method(method)
+        , m_asker(service.m_address.asker(header(connection, "Host"), header(connection, "Origin")))
+    {
+        ++m_service.m_exchanges;
+        static const QString prefix = QStringLiteral("/tolvex/");
+        m_isOperation = m_method == "POST" && m_path.startsWith(prefix);
+        if (m_isOperation)
+            m_operation = m_path.section(QLatin1Char('/'), 2, 2);
+        if (m_asker != OwnAddress::Own) {
+            m_refusal = refused(QStringLiteral("the service is reached as localhost only"));
+        } else if (isUpload()) {
+            m_upload = std::make_unique<AuctionUpload>(
+                m_service.m_accounts, m_service.m_auctions, m_service.m_folder,
+                header(connection, "Content-Type"), m_service.m_maxMediaBytes);
+        }
+    }
+    ~Exchange()
+    {
+        hold(0);
+        --m_service.m_exchanges;
+    }
+    Exchange(const Exchange &) = delete;
+    Exchange &operator=(const Exchange &) = delete;
+
+    /** Takes a piece of the body; false when it has become so long that nobody waits for its end.
+     */
+    bool feed(const char *bytes, size_t length)
+    {
+        m_bodyBytes += qint64(length);
+        if (m_upload)
+            m_upload->feed(QByteArray::fromRawData(bytes, qsizetype(length)));
+        else if (m_bodyBytes > maxFormBytes)
+            refuse(refused(QStringLiteral("the request is too long")));
+        else if (!m_refusal)
+            m_body.append(bytes, qsizetype(length));
+        if (!hold(m_upload ? m_upload->heldBytes() : m_body.size()))
+            refuse(busy());
+        const qint64 limit = isUpload() ? m_service.m_maxMediaBytes : maxFormBytes;
+        return m_bodyBytes <= limit + maxIgnoredBytes;
+    }
+
+    /** Has the request answered by those who have the time for it, and sends the answer then. */
+    MHD_Result begin()
+    {
+        if (m_service.m_isEnding)
+            refuse(busy());
+        if (m_refusal) {
+            answer();
+            return send();
+        }
+        MHD_suspend_connection(m_connection);
+        if (m_upload)
+            give(*m_service.m_changing);
+        else
+            m_service.m_reading->run([this] { sort(); });
+        return MHD_YES;
+    }
+
+    bool isAnswered() const
+    {
+        return m_isAnswered;
+    }
+    MHD_Result send();
+
+private:
+    bool isUpload() const
+    {
+        return m_operation == QLatin1String("CreateAuction");
+    }
+
+    void refuse(const Failure &failure)
+    {
+        if (!m_refusal)
+            m_refusal = failure;
+        m_upload.reset();
+        m_body.clear();
+        hold(0);
+    }
+
+    // False when all requests together hold too much; then this one holds nothing.
+    bool hold(qint64 bytes)
+    {
+        const qint64 all = m_service.m_heldBytes += bytes - m_heldBytes;
+        m_heldBytes = bytes;
+        return bytes == 0 || all <= maxHeldBytes;
+    }
+
+    Workers &workersFor(Effort effort)
+    {
+        switch (effort) {
+        case Effort::Changing:
+            return *m_service.m_changing;
+        case Effort::Picturing:
+            return *m_service.m_picturing;
+        case Effort::Reading:
+            break;
+        }
+        return *m_service.m_reading;
+    }
+
+    // Finds out how much there is to do, and does at once what is little.
+    void sort()
+    {
+        m_form = FormBody::fromUrlEncoded(m_body);
+        const Result<Effort> effort = m_isOperation
+            ? m_service.m_operations.effort(m_operation, m_form)
+            : WebSite::effort(m_method, m_path);
+        if (!effort.isOk())
+            refuse(effort.failure());
+        if (!effort.isOk() || effort.value() == Effort::Reading)
+            answerAndResume();
+        else
+            give(workersFor(effort.value()));
+    }
+
+    void give(Workers &workers)
+    {
+        workers.run([this] { answerAndResume(); });
+    }
+
+    void answerAndResume()
+    {
+        if (m_service.m_isEnding)
+            refuse(busy());
+        answer();
+        MHD_resume_connection(m_connection);
+    }
+
+    void answer()
+    {
+        if (m_isOperation)
+            answerOperation();
+        else
+            answerPage();
+        m_isAnswered = true;
+    }
+
+    void answerOperation()
+    {
+        Operations::Reply reply;
+        if (m_refusal)
+            reply = Operations::refusal(*m_refusal);
+        else if (m_upload)
+            reply = m_upload->finish();
+        else
+            reply = m_service.m_operations.answer(m_operation, m_form);
+        m_answer.type = reply.type;
+        m_answer.body = reply.body;
+        m_answer.file = reply.file;
+    }
+
+    void answerPage()
+    {
+        if (m_refusal && m_asker == OwnAddress::Own) {
+            m_answer.status = m_refusal->kind == Failure::Broken ? MHD_HTTP_SERVICE_UNAVAILABLE
+                                                                 : MHD_HTTP_BAD_REQUEST;
+            return;
+        }
+        WebSite::Request asked;
+        asked.method = m_method;
+        asked.path = m_path;
+        asked.query = query(m_connection);
+        asked.form = m_form;
+        asked.cookies = header(m_connection, "Cookie");
+        asked.host = header(m_connection, "Host");
+        asked.asker = m_asker;
+        m_answer = m_service.m_site.answer(asked);
+    }
+
+    MHD_Response *makeResponse();
+    MHD_Response *fileResponse();
+    void addHeaders(MHD_Response *response) const;
+
+    HttpService &m_service;
+    MHD_Connection *m_connection;
+    QString m_path;
+    QByteArray m_method;
+    bool m_isOperation = false; // or else a page
+    QString m_operation;
+    OwnAddress::Asker m_asker;
+
+    QByteArray m_body;
+    qint64 m_bodyBytes = 0;
+    qint64 m_heldBytes = 0;
+    FormBody m_form;
+    std::unique_ptr<AuctionUpload> m_upload;
+    std::optional<Failure> m_refusal;
+
+    WebSite::Reply m_answer;
+    bool m_isAnswered = false;
+};
+
+MHD_Result HttpService::Exchange::send()
+{
+    MHD_Response *const response = makeResponse();
+    if (!response)
+        return MHD_NO;
+    addHeaders(response);
+    const MHD_Result queued = MHD_queue_response(m_connection, unsigned(m_answer.status), response);
+    MHD_destroy_response(response);
+    return queued;
+}
+
+MHD_Response *HttpService::Exchange::makeResponse()
+{
+    if (!m_answer.file.isEmpty())
+        return fileResponse();
+    return MHD_create_response_from_buffer(size_t(m_answer.body.size()), m_answer.body.data(),
+                                           MHD_RESPMEM_MUST_COPY);
+}
+
+MHD_Response *HttpService::Exchange::fileResponse()
+{
+    const int file = ::open(QFile::encodeName(m_answer.file).constData(), O_RDONLY | O_CLOEXEC);
+    struct stat status = {};
+    if (file < 0 || ::fstat(file, &status) != 0) {
+        m_answer.status = MHD_HTTP_NOT_FOUND;
+        return MHD_create_response_from_buffer(0, nullptr, MHD_RESPMEM_PERSISTENT);
+    }
+    const qint64 size = status.st_size;
+    const std::optional<ByteRange> asked = ByteRange::parse(header(m_connection, "Range"), size);
+    const ByteRange range = asked.value_or(ByteRange{0, size});
+    QByteArray part = "bytes */" + QByteArray::number(size);
+    if (asked && range.length > 0) {
+        m_answer.status = MHD_HTTP_PARTIAL_CONTENT;
+        part = "bytes " + QByteArray::number(range.first) + '-'
+            + QByteArray::number(range.first + range.length - 1) + '/' + QByteArray::number(size);
+    } else if (asked) {
+        m_answer.status = MHD_HTTP_RANGE_NOT_SATISFIABLE;
+    }
+    MHD_Response *const response = MHD_create_response_from_fd_at_offset64(
+        uint64_t(range.length), file, uint64_t(range.length > 0 ? range.first : 0));
+    if (!response) {
+        ::close(file);
+        return nullptr;
+    }
+    MHD_add_response_header(response, MHD_HTTP_HEADER_ACCEPT_RANGES, "bytes");
+    if (asked)
+        MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_RANGE, part.constData());
+    return response;
+}
+
+void HttpService::Exchange::addHeaders(MHD_Response *response) const
+{
+    const auto add = [response](const char *name, const QByteArray &value) {
+        if (!value.isEmpty())
+            MHD_add_response_header(response, name, value.constData());
+    };
+    add(MHD_HTTP_HEADER_CONTENT_TYPE, m_answer.type);
+    add(MHD_HTTP_HEADER_SET_COOKIE, m_answer.cookie);
+    add(MHD_HTTP_HEADER_LOCATION, m_answer.location);
+    if (m_answer.status == MHD_HTTP_METHOD_NOT_ALLOWED)
+        add(MHD_HTTP_HEADER_ALLOW, "GET, HEAD, POST");
+    if (m_service.m_isEnding)
+        add(MHD_HTTP_HEADER_CONNECTION, "close");
+    add("X-Content-Type-Options", "nosniff");
+    if (m_isOperation)
+        return;
+    add("Content-Security-Policy",
+        "default-src 'self'; script-src 'none'; object-src 'none'; base-uri 'none'; "
+        "style-src 'unsafe-inline'; form-action 'self'; frame-ancestors 'none'");
+    add("Referrer-Policy", "same-origin");
+    add(MHD_HTTP_HEADER_CACHE_CONTROL, "no-store");
+}
 
 HttpService::HttpService(Accounts &accounts, Auctions &auctions, Operations &operations,
                          WebSite &site, const DataFolder &folder, qint64 maxMediaBytes)
@@ -138,114 +367,87 @@ HttpService::HttpService(Accounts &accounts, Auctions &auctions, Operations &ope
     , m_site(site)
     , m_folder(folder)
     , m_maxMediaBytes(maxMediaBytes)
-    , m_server(std::make_unique<httplib::Server>())
+    , m_address(0)
+    , m_reading(std::make_unique<Workers>(readingThreads))
+    , m_changing(std::make_unique<Workers>(changingThreads))
+    , m_picturing(std::make_unique<Workers>(picturingThreads))
 {
-    prepareServer();
-    addOperations();
-    addWebSite();
 }
 
-HttpService::~HttpService() = default;
-
-void HttpService::prepareServer()
+HttpService::~HttpService()
 {
-    m_server->new_task_queue = [] { return new httplib::ThreadPool(threads); };
-    m_server->set_socket_options(setSocketOptions);
-    // A kept connection that the service ends just when a device uses it again loses a request.
-    m_server->set_keep_alive_max_count(1);
-    // How long a connection may stay silent before its request; an ending service waits for it.
-    m_server->set_keep_alive_timeout(silenceSeconds);
-    m_server->set_read_timeout(patienceSeconds);
-    m_server->set_write_timeout(patienceSeconds);
-    m_server->set_pre_routing_handler(takeRequestAsIs);
+    stop();
 }
 
-void HttpService::addOperations()
+Result<int> HttpService::start(int port)
 {
-    m_server->Post("/tolvex/([^/]*)/?.*",
-                   [this](const httplib::Request &request, httplib::Response &response,
-                          const httplib::ContentReader &reader) {
-                       answerOperation(request, response, reader);
-                   });
-}
-
-void HttpService::answerOperation(const httplib::Request &request, httplib::Response &response,
-                                  const httplib::ContentReader &reader)
-{
-    const QString operation = QString::fromStdString(request.matches[1]);
-    const Operations::Reply reply = operation == QLatin1String("CreateAuction")
-        ? readUpload(request, reader)
-        : readForm(operation, reader);
-    response.status = 200;
-    if (reply.file.isEmpty())
-        response.set_content(reply.body.constData(), size_t(reply.body.size()),
-                             reply.type.toStdString());
-    else
-        sendFile(reply.file, reply.type, response);
-}
-
-void HttpService::addWebSite()
-{
-    m_server->Get(".*", [this](const httplib::Request &request, httplib::Response &response) {
-        sendSiteReply(m_site.answer(siteRequest(request)), response);
-    });
-    m_server->Post(
-        ".*",
-        [this](const httplib::Request &request, httplib::Response &response,
-               const httplib::ContentReader &reader) { answerPost(request, response, reader); });
-}
-
-void HttpService::answerPost(const httplib::Request &request, httplib::Response &response,
-                             const httplib::ContentReader &reader)
-{
-    const Result<QByteArray> body = readWhole(reader);
-    if (!body.isOk()) {
-        response.status = 400;
-        return;
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(quint16(port));
+    const int listener = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    const int yes = 1;
+    ::setsockopt(listener, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof(yes));
+    socklen_t size = sizeof(address);
+    if (::bind(listener, reinterpret_cast<sockaddr *>(&address), size) != 0
+        || ::listen(listener, SOMAXCONN) != 0
+        || ::getsockname(listener, reinterpret_cast<sockaddr *>(&address), &size) != 0) {
+        ::close(listener);
+        return broken(QStringLiteral("port %1 is in use").arg(port));
     }
-    WebSite::Request asked = siteRequest(request);
-    asked.form = FormBody::fromUrlEncoded(body.value());
-    sendSiteReply(m_site.answer(asked), response);
+    m_address = OwnAddress(ntohs(address.sin_port));
+
+    const auto begin = [](void *service, MHD_Connection *connection, const char *url,
+                          const char *method, const char *, const char *bytes, size_t *length,
+                          void **state) {
+        auto *const exchange = static_cast<Exchange *>(*state);
+        if (!exchange) {
+            *state = new Exchange(*static_cast<HttpService *>(service), connection, url, method);
+            return MHD_YES;
+        }
+        if (exchange->isAnswered())
+            return exchange->send();
+        if (*length == 0)
+            return exchange->begin();
+        const bool goesOn = exchange->feed(bytes, *length);
+        *length = 0;
+        return goesOn ? MHD_YES : MHD_NO;
+    };
+    const auto end = [](void *, MHD_Connection *, void **state, MHD_RequestTerminationCode) {
+        delete static_cast<Exchange *>(*state);
+        *state = nullptr;
+    };
+    m_daemon =
+        MHD_start_daemon(MHD_USE_EPOLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME, 0, nullptr,
+                         nullptr, MHD_AccessHandlerCallback(begin), this, MHD_OPTION_LISTEN_SOCKET,
+                         listener, MHD_OPTION_THREAD_POOL_SIZE, loops, MHD_OPTION_CONNECTION_LIMIT,
+                         connectionLimit(), MHD_OPTION_CONNECTION_MEMORY_LIMIT, connectionBytes,
+                         MHD_OPTION_CONNECTION_TIMEOUT, silenceSeconds, MHD_OPTION_NOTIFY_COMPLETED,
+                         MHD_RequestCompletedCallback(end), this, MHD_OPTION_END);
+    if (!m_daemon) {
+        ::close(listener);
+        return broken(QStringLiteral("port %1 cannot be served").arg(port));
+    }
+    return int(ntohs(address.sin_port));
 }
 
-Operations::Reply HttpService::readForm(const QString &operation,
-                                        const httplib::ContentReader &reader)
+bool HttpService::stop()
 {
-    const Result<QByteArray> body = readWhole(reader);
-    if (!body.isOk())
-        return Operations::refusal(body.failure());
-    return m_operations.answer(operation, FormBody::fromUrlEncoded(body.value()));
-}
-
-Operations::Reply HttpService::readUpload(const httplib::Request &request,
-                                          const httplib::ContentReader &reader)
-{
-    AuctionUpload upload(m_accounts, m_auctions, m_folder, header(request, ownContentType),
-                         m_maxMediaBytes);
-    const bool isWhole =
-        readBody(reader, m_maxMediaBytes, [&](const QByteArray &bytes) { upload.feed(bytes); });
-    return upload.finish(isWhole);
-}
-
-int HttpService::bind(int port)
-{
-    const char *const address = "127.0.0.1";
-    if (port == 0)
-        return std::max(0, m_server->bind_to_any_port(address));
-    return m_server->bind_to_port(address, port) ? port : 0;
-}
-
-void HttpService::run()
-{
-    m_server->listen_after_bind();
-}
-
-bool HttpService::isRunning() const
-{
-    return m_server->is_running();
-}
-
-void HttpService::stop()
-{
-    m_server->stop();
+    if (!m_daemon)
+        return true;
+    const Workers::Clock::time_point deadline = Workers::Clock::now() + endPatience;
+    const int listener = MHD_quiesce_daemon(m_daemon);
+    m_isEnding = true;
+    for (Workers *workers : {m_reading.get(), m_changing.get(), m_picturing.get()}) {
+        if (!workers->end(deadline))
+            return false;
+    }
+    // The answers are on their way. Who has not sent a whole request by now gets none.
+    while (m_exchanges > 0 && Workers::Clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    MHD_stop_daemon(m_daemon);
+    m_daemon = nullptr;
+    if (listener >= 0)
+        ::close(listener);
+    return true;
 }

@@ -15,7 +15,7 @@
 
 #include <csignal>
 #include <cstdio>
-#include <thread>
+#include <cstdlib>
 
 namespace {
 
@@ -75,18 +75,11 @@ sigset_t blockEndSignals()
 }
 
 // Auctions end in time even while nobody asks for them, so that sellers get their mails.
-void serveUntil(HttpService &service, Auctions &auctions, const sigset_t &endSignals, int port)
+void waitFor(const sigset_t &endSignals, Auctions &auctions)
 {
-    std::thread server([&service] { service.run(); });
-    while (!service.isRunning())
-        std::this_thread::yield();
-    std::printf("kavlor-localservice: listening on 127.0.0.1:%d\n", port);
-    std::fflush(stdout);
     const timespec pause{20, 0};
     while (sigtimedwait(&endSignals, nullptr, &pause) < 0)
         (void)auctions.endDue(); // the database has complained of a failure itself
-    service.stop();
-    server.join();
 }
 
 } // namespace
@@ -128,9 +121,14 @@ int main(int argc, char *argv[])
     }
 
     HttpService service(accounts, auctions, operations, site, folder, options.maxMediaBytes);
-    const int port = service.bind(options.port);
-    if (port == 0)
-        return fail(CannotServe, broken(QStringLiteral("port %1 is in use").arg(options.port)));
-    serveUntil(service, auctions, endSignals, port);
+    const Result<int> port = service.start(options.port);
+    if (!port.isOk())
+        return fail(CannotServe, port.failure());
+    std::printf("kavlor-localservice: listening on 127.0.0.1:%d\n", port.value());
+    std::fflush(stdout);
+    waitFor(endSignals, auctions);
+    // What still runs then has not been answered, and nothing that was is lost by this.
+    if (!service.stop())
+        std::_Exit(Ended);
     return Ended;
 }

@@ -5,6 +5,7 @@
 namespace {
 
 constexpr qsizetype maxHeaderBytes = 8L * 1024;
+constexpr int maxParts = 100;
 constexpr qint64 maxTextBytes = 1024L * 1024;
 
 // The value of a parameter such as name="x" in a part's header line.
@@ -119,6 +120,9 @@ bool MultipartReader::readPartHeader()
         return false;
     }
     const QByteArray header = m_buffer.left(end + 2);
+    m_textBytes += header.size();
+    if (m_textBytes > maxTextBytes || ++m_parts > maxParts)
+        return fail(QStringLiteral("the upload has too many parts"));
     m_buffer.remove(0, end + 4);
     m_state = PartBody;
     beginPart(header);
@@ -199,6 +203,11 @@ bool MultipartReader::fail(const QString &reason)
         m_error = reason;
     m_state = Failed;
     return true;
+}
+
+qint64 MultipartReader::heldBytes() const
+{
+    return m_buffer.size() + m_textBytes;
 }
 
 QString MultipartReader::error() const

@@ -29,6 +29,8 @@ public:
     /** Says that the body is over: a body without its closing boundary was cut short. */
     void finish();
 
+    /** How much is kept in memory. */
+    qint64 heldBytes() const;
     QString error() const;
     const FormBody &fields() const;
     bool hasMedia() const;
@@ -57,8 +59,9 @@ private:
     QString m_error;
     QByteArray m_buffer;
     FormBody m_fields;
-    qint64 m_textBytes = 0;
+    qint64 m_textBytes = 0; // with what the parts are called
 
+    int m_parts = 0;
     QByteArray m_partName;
     QByteArray m_partText;
     qint64 m_announcedBytes = -1;

@@ -105,6 +105,27 @@ Operations::Reply Operations::answer(const QString &operation, const FormBody &f
     return (this->*forMember)(member.value(), form);
 }
 
+Result<Effort> Operations::effort(const QString &operation, const FormBody &form)
+{
+    static const QHash<QString, Effort> known{
+        {QStringLiteral("GetServiceTerms"), Effort::Reading},
+        {QStringLiteral("GetCountryList"), Effort::Reading},
+        {QStringLiteral("GetThumbnail"), Effort::Picturing},
+        {QStringLiteral("CreateAccount"), Effort::Changing},
+        {QStringLiteral("ModifyAccount"), Effort::Changing},
+        {QStringLiteral("ModifyAuction"), Effort::Changing},
+        {QStringLiteral("SetNotificationOptions"), Effort::Changing},
+    };
+    const auto found = known.constFind(operation);
+    if (found != known.cend())
+        return *found;
+    const Result<bool> isRemembered = m_accounts.isRemembered(
+        form.text(QStringLiteral("Username")), form.text(QStringLiteral("Password")));
+    if (!isRemembered.isOk())
+        return isRemembered.failure();
+    return isRemembered.value() ? Effort::Reading : Effort::Changing;
+}
+
 Operations::Reply Operations::validateLogin(const FormBody &form)
 {
     const Result<qint64> member = m_accounts.login(form.text(QStringLiteral("Username")),

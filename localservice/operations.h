@@ -3,6 +3,7 @@
 #include "accounts.h"
 #include "auctions.h"
 #include "datafolder.h"
+#include "effort.h"
 #include "formbody.h"
 #include "pictures.h"
 
@@ -29,6 +30,8 @@ public:
                const DataFolder &folder);
 
     Reply answer(const QString &operation, const FormBody &form);
+    /** What answer() will take. */
+    Result<Effort> effort(const QString &operation, const FormBody &form);
 
     static Reply refusal(const Failure &failure);
     /** The number alone, or the refusal. */

@@ -9,7 +9,9 @@
 
 namespace {
 
-constexpr int cacheBytes = 32 * 1024 * 1024;
+constexpr int cacheBytes = 16 * 1024 * 1024;
+constexpr qint64 mostPixels = 128L * 1024 * 1024;
+constexpr int mostMegabytes = 64; // of a picture that cannot be read any smaller
 
 QImage canvas(int edge, const QColor &top, const QColor &bottom)
 {
@@ -73,16 +75,20 @@ Pictures::Pictures(const DataFolder &folder)
     : m_folder(folder)
     , m_cache(cacheBytes)
 {
+    QImageReader::setAllocationLimit(mostMegabytes);
 }
 
 Pictures::Picture Pictures::thumbnail(const QString &media, int edge)
 {
     const QString key = media + QLatin1Char('@') + QString::number(edge);
-    {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        if (const Picture *known = m_cache.object(key))
-            return *known;
-    }
+    std::optional<Picture> known = cached(key);
+    if (known)
+        return *known;
+    // One picture at a time, since an unpacked one is large; somebody else may have made this one.
+    const std::lock_guard<std::mutex> making(m_making);
+    known = cached(key);
+    if (known)
+        return *known;
     const QImage image = scaled(media, edge);
     const bool needsPng = image.hasAlphaChannel();
     Picture picture{{}, needsPng ? QByteArray("image/png") : QByteArray("image/jpeg")};
@@ -94,6 +100,13 @@ Pictures::Picture Pictures::thumbnail(const QString &media, int edge)
     return picture;
 }
 
+std::optional<Pictures::Picture> Pictures::cached(const QString &key)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    const Picture *const known = m_cache.object(key);
+    return known ? std::optional<Picture>(*known) : std::nullopt;
+}
+
 QImage Pictures::scaled(const QString &media, int edge) const
 {
     if (isVideo(media))
@@ -103,6 +116,8 @@ QImage Pictures::scaled(const QString &media, int edge) const
     reader.setDecideFormatFromContent(true);
     reader.setAutoTransform(true);
     const QSize size = reader.size();
+    if (qint64(size.width()) * size.height() > mostPixels)
+        return drawnFrame(edge);
     const bool isLarge = size.width() > edge || size.height() > edge;
     if (isLarge)
         reader.setScaledSize(size.scaled(edge, edge, Qt::KeepAspectRatio).expandedTo({1, 1}));

@@ -7,6 +7,7 @@
 #include <QImage>
 
 #include <mutex>
+#include <optional>
 
 /**
  * Small pictures of the media on auction, safe from any thread.
@@ -31,9 +32,11 @@ public:
     Picture thumbnail(const QString &media, int edge);
 
 private:
+    std::optional<Picture> cached(const QString &key);
     QImage scaled(const QString &media, int edge) const;
 
     const DataFolder &m_folder;
-    std::mutex m_mutex;
+    std::mutex m_making;
+    std::mutex m_mutex; // of the cache
     QCache<QString, Picture> m_cache;
 };

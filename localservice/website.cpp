@@ -53,12 +53,11 @@ WebSite::Reply brokenPage(const Failure &failure)
     return messagePage(500, QStringLiteral("Something went wrong"), asSentence(failure.reason));
 }
 
-// A name that another site points at this machine would let that site's pages read ours.
-bool isOwnName(const QByteArray &host)
+WebSite::Reply notFromHere()
 {
-    const QByteArray name =
-        host.left(host.lastIndexOf(':') < 0 ? host.size() : host.lastIndexOf(':'));
-    return name == "localhost" || name == "127.0.0.1";
+    return messagePage(403, QStringLiteral("Please try again"),
+                       QStringLiteral("This form is out of date or does not come from this site. "
+                                      "Nothing was done. Please open the page again."));
 }
 
 QString ownAddress(const QByteArray &host)
@@ -90,15 +89,31 @@ WebSite::WebSite(Accounts &accounts, Auctions &auctions, MailOutbox &outbox, Pic
 
 WebSite::Reply WebSite::answer(const Request &request)
 {
-    if (!isOwnName(request.host)) {
+    if (request.asker == OwnAddress::ForeignHost) {
         return messagePage(403, QStringLiteral("Not here"),
                            QStringLiteral("This site is reached as localhost only."));
     }
+    if (request.asker == OwnAddress::ForeignOrigin)
+        return notFromHere();
+    const bool isRead = request.method == "GET" || request.method == "HEAD";
+    if (!isRead && request.method != "POST") {
+        return messagePage(405, QStringLiteral("Not like this"),
+                           QStringLiteral("This site is read and sent forms to, no more."));
+    }
     const VisitorToken visitor = VisitorToken::fromCookies(request.cookies);
-    Reply reply = request.method == "POST" ? post(request, visitor) : get(request, visitor);
+    Reply reply = isRead ? get(request, visitor) : post(request, visitor);
     if (reply.type.startsWith("text/html"))
         reply.cookie = visitor.newCookie();
     return reply;
+}
+
+Effort WebSite::effort(const QByteArray &method, const QString &path)
+{
+    if (path == QLatin1String("/thumbnail"))
+        return Effort::Picturing;
+    // Opening an auction's page counts a view.
+    const bool changes = method == "POST" || path == QLatin1String("/auction");
+    return changes ? Effort::Changing : Effort::Reading;
 }
 
 WebSite::Reply WebSite::get(const Request &request, const VisitorToken &visitor)
@@ -120,13 +135,8 @@ WebSite::Reply WebSite::get(const Request &request, const VisitorToken &visitor)
 
 WebSite::Reply WebSite::post(const Request &request, const VisitorToken &visitor)
 {
-    const bool isFromHere = request.origin.isEmpty() || request.origin == "http://" + request.host;
-    if (!isFromHere || !visitor.isOwnForm(request.form.text(QStringLiteral("token")).toLatin1())) {
-        return messagePage(
-            403, QStringLiteral("Please try again"),
-            QStringLiteral("This form is out of date or does not come from this site. "
-                           "Nothing was done. Please open the page again."));
-    }
+    if (!visitor.isOwnForm(request.form.text(QStringLiteral("token")).toLatin1()))
+        return notFromHere();
     if (request.path == QLatin1String("/auction/bid"))
         return placeBid(request, visitor);
     if (request.path == QLatin1String("/auction/buy"))

@@ -3,8 +3,10 @@
 #include "accounts.h"
 #include "auctions.h"
 #include "datafolder.h"
+#include "effort.h"
 #include "formbody.h"
 #include "mailoutbox.h"
+#include "ownaddress.h"
 #include "pagewriter.h"
 #include "pictures.h"
 #include "visitortoken.h"
@@ -27,7 +29,7 @@ public:
         FormBody form;
         QByteArray cookies;
         QByteArray host;
-        QByteArray origin; ///< empty = none was sent
+        OwnAddress::Asker asker = OwnAddress::ForeignHost;
     };
 
     struct Reply
@@ -44,6 +46,8 @@ public:
             const DataFolder &folder);
 
     Reply answer(const Request &request);
+    /** What answer() will take for a request of this kind. */
+    static Effort effort(const QByteArray &method, const QString &path);
 
 private:
     Reply get(const Request &request, const VisitorToken &visitor);

@@ -131,7 +131,7 @@ QByteArray tst_LocalService::post(const QByteArray &operation, const QByteArray 
 
 qint64 tst_LocalService::newAuction(const UploadRequest &upload) const
 {
-    return m_service.send(upload.bytes()).body.toLongLong();
+    return m_service.send(upload.bytes(m_service.host())).body.toLongLong();
 }
 
 QByteArrayList tst_LocalService::auctionItems(qint64 auction) const
@@ -352,10 +352,11 @@ void tst_LocalService::anUnknownOperationIsRefused()
 
 void tst_LocalService::repliesAreNeverCompressed()
 {
-    const LocalServiceProcess::Reply reply =
-        m_service.send("POST /tolvex/GetServiceTerms/ HTTP/1.1\r\nHost: localhost\r\n"
-                       "Accept-Encoding: gzip,deflate\r\nContent-Length: 13\r\n"
-                       "Content-Type: application/x-www-form-urlencoded\r\n\r\nSUBMIT=Submit");
+    const LocalServiceProcess::Reply reply = m_service.send(
+        "POST /tolvex/GetServiceTerms/ HTTP/1.1\r\nHost: " + m_service.host().toLatin1()
+        + "\r\n"
+          "Accept-Encoding: gzip,deflate\r\nContent-Length: 13\r\n"
+          "Content-Type: application/x-www-form-urlencoded\r\n\r\nSUBMIT=Submit");
     QVERIFY(reply.body.startsWith("<html>"));
     QCOMPARE(LocalServiceProcess::headerValue(reply, "Content-Encoding"), QByteArray());
 }
@@ -376,8 +377,8 @@ void tst_LocalService::aFormCutShortIsRefused()
     QVERIFY(socket.waitForConnected());
     const QByteArray form = encoded(accountForm("short"));
     const int members = memberCount();
-    socket.write("POST /tolvex/CreateAccount/ HTTP/1.1\r\nHost: localhost\r\nContent-Length: "
-                 + QByteArray::number(form.size() + 1)
+    socket.write("POST /tolvex/CreateAccount/ HTTP/1.1\r\nHost: " + m_service.host().toLatin1()
+                 + "\r\nContent-Length: " + QByteArray::number(form.size() + 1)
                  + "\r\nContent-Type: application/x-www-form-urlencoded\r\n\r\n" + form);
     while (socket.bytesToWrite() > 0)
         QVERIFY(socket.waitForBytesWritten());

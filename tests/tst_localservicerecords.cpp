@@ -133,7 +133,7 @@ void tst_LocalServiceRecords::init()
     QCOMPARE(post("CreateAccount",
                   "Password2=secret&Username=m1&Password1=secret&EmailAddress=m1@example.org"),
              QByteArray("1"));
-    m_auction = m_service->send(UploadRequest().bytes()).body;
+    m_auction = m_service->send(UploadRequest().bytes(m_service->host())).body;
     QCOMPARE(m_auction, QByteArray("1"));
 }
 
@@ -428,7 +428,7 @@ void tst_LocalServiceRecords::expectChangesRefused()
         post("SetNotificationOptions",
              login + "&NotifyOnBid=0&NotifyOnAuctionEnd=0&NotifyOnView=0&NotifyOnBuyerQuestion=0"),
         post("ModifyAuction", login + "&AuctionID=1&ReservePrice=0&BuyItNowPrice=9"),
-        m_service->send(UploadRequest().bytes()).body,
+        m_service->send(UploadRequest().bytes(m_service->host())).body,
     };
     for (const QByteArray &answer : answers) {
         QVERIFY2(answer.startsWith("ERROR: the") && !answer.contains("password"),
@@ -464,7 +464,7 @@ void tst_LocalServiceRecords::aLockedDatabaseRefusesChangesAndServesTheRest()
         QVERIFY(QSqlQuery(other).exec(QStringLiteral("ROLLBACK")));
     }
     QSqlDatabase::removeDatabase(QStringLiteral("other"));
-    QCOMPARE(m_service->send(UploadRequest().bytes()).body, QByteArray("2"));
+    QCOMPARE(m_service->send(UploadRequest().bytes(m_service->host())).body, QByteArray("2"));
 }
 
 void tst_LocalServiceRecords::aDiskThatTakesNothingRefusesChangesAndServesTheRest_data()
@@ -484,7 +484,7 @@ void tst_LocalServiceRecords::aDiskThatTakesNothingRefusesChangesAndServesTheRes
     expectChangesRefused();
     expectRecordsServed();
     mendDisk();
-    QCOMPARE(m_service->send(UploadRequest().bytes()).body, QByteArray("2"));
+    QCOMPARE(m_service->send(UploadRequest().bytes(m_service->host())).body, QByteArray("2"));
     QCOMPARE(media().size(), 2);
 }
 
@@ -515,7 +515,7 @@ void tst_LocalServiceRecords::aFullDiskIsNoReasonNotToStart()
 
     QVERIFY(m_service->start());
     expectRecordsServed();
-    QCOMPARE(m_service->send(UploadRequest().bytes()).body, QByteArray("2"));
+    QCOMPARE(m_service->send(UploadRequest().bytes(m_service->host())).body, QByteArray("2"));
 }
 
 KAVLOR_TEST_MAIN(tst_LocalServiceRecords)

@@ -18,6 +18,7 @@ private slots:
     void pagesCarrySecurityHeaders();
     void unknownPagesAreNotFound_data();
     void unknownPagesAreNotFound();
+    void otherHostNamesAreRefused_data();
     void otherHostNamesAreRefused();
     void everyTextIsEscaped();
     void anAuctionsPageCountsAView();
@@ -66,7 +67,7 @@ void tst_LocalServiceSite::cleanupTestCase()
 
 qint64 tst_LocalServiceSite::newAuction(const UploadRequest &upload) const
 {
-    return m_service.send(upload.bytes()).body.toLongLong();
+    return m_service.send(upload.bytes(m_service.host())).body.toLongLong();
 }
 
 QString tst_LocalServiceSite::state(qint64 auction) const
@@ -130,14 +131,60 @@ void tst_LocalServiceSite::unknownPagesAreNotFound()
     QCOMPARE(m_service.get(path).status, 404);
 }
 
+void tst_LocalServiceSite::otherHostNamesAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("host"); // the port is put in for %1
+    QTest::addColumn<QByteArray>("origin");
+    QTest::addColumn<bool>("isOwn");
+
+    const auto row = [](const char *host, const char *origin, bool isOwn) {
+        QTest::addRow("%s from '%s'", host, origin)
+            << QByteArray(host) << QByteArray(origin) << isOwn;
+    };
+    row("localhost:%1", "", true);
+    row("127.0.0.1:%1", "", true);
+    row("localhost:%1", "http://localhost:%1", true);
+    row("auctions.example.org", "", false);
+    row("auctions.example.org:%1", "", false);
+    row("localhost.example.org:%1", "", false);
+    row("localhost:%1@example.org", "", false);
+    row("localhost:80@example.org", "", false);
+    row("localhost:1", "", false);
+    row("localhost", "", false);
+    row("localhost:", "", false);
+    row("localhost:%1\r\nHost: example.org", "", false);
+    row("", "", false);
+    row("localhost:%1", "http://example.org", false);
+    row("localhost:%1", "http://localhost:1", false);
+    row("localhost:%1", "https://localhost:%1", false);
+    row("localhost:%1", "null", false);
+}
+
 void tst_LocalServiceSite::otherHostNamesAreRefused()
 {
-    for (const char *host : {"auctions.example.org", "localhost.example.org:80", ""}) {
-        const LocalServiceProcess::Reply reply =
-            m_service.send("GET /outbox HTTP/1.1\r\nHost: " + QByteArray(host) + "\r\n\r\n");
-        QCOMPARE(reply.status, 403);
-    }
-    QCOMPARE(m_service.send("GET /outbox HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n").status, 200);
+    QFETCH(QByteArray, host);
+    QFETCH(QByteArray, origin);
+    QFETCH(bool, isOwn);
+
+    const QByteArray port = QByteArray::number(m_service.port());
+    QByteArray lines = "Host: " + host + "\r\n";
+    if (!origin.isEmpty())
+        lines += "Origin: " + origin + "\r\n";
+    lines.replace("%1", port);
+
+    const auto members = [this] {
+        return m_service.value(QStringLiteral("SELECT count(*) FROM members")).toInt();
+    };
+    const int before = members();
+    QCOMPARE(m_service.send("GET /outbox HTTP/1.1\r\n" + lines + "\r\n").status, isOwn ? 200 : 403);
+    const QByteArray form = "Username=h" + QByteArray::number(before)
+        + "&Password1=x&Password2=x&EmailAddress=x@example.org";
+    const LocalServiceProcess::Reply reply =
+        m_service.send("POST /tolvex/CreateAccount/ HTTP/1.1\r\n" + lines
+                       + "Content-Length: " + QByteArray::number(form.size()) + "\r\n\r\n" + form);
+    QCOMPARE(reply.status, 200);
+    QCOMPARE(reply.body.startsWith("ERROR: "), !isOwn);
+    QCOMPARE(members(), before + (isOwn ? 1 : 0));
 }
 
 void tst_LocalServiceSite::everyTextIsEscaped()
@@ -184,7 +231,8 @@ void tst_LocalServiceSite::anAuctionsPageCountsAView()
     visitor.open("/");
     visitor.open("/thumbnail?id=" + QByteArray::number(id));
     visitor.open(page + "&done=bid");
-    m_service.send("HEAD " + page + " HTTP/1.1\r\nHost: localhost\r\n\r\n");
+    m_service.send("HEAD " + page + " HTTP/1.1\r\nHost: " + m_service.host().toLatin1()
+                   + "\r\n\r\n");
     QCOMPARE(views(), 2);
 }
 

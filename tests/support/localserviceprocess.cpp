@@ -148,16 +148,19 @@ LocalServiceProcess::Reply LocalServiceProcess::send(const QByteArray &request) 
     if (!socket.waitForConnected(patience))
         return {};
     socket.write(request);
-    while (socket.state() == QAbstractSocket::ConnectedState && socket.waitForReadyRead(patience)) {
-    }
-    return parsed(socket.readAll());
+    const bool hasBody = !request.startsWith("HEAD ");
+    QByteArray raw;
+    while (!isWhole(raw, hasBody)
+           && (socket.bytesAvailable() > 0 || socket.waitForReadyRead(patience)))
+        raw += socket.readAll();
+    return parsed(raw);
 }
 
 LocalServiceProcess::Reply LocalServiceProcess::post(const QByteArray &operation,
                                                      const QByteArray &form) const
 {
-    return send("POST /tolvex/" + operation
-                + "/ HTTP/1.1\r\nHost: localhost\r\n"
+    return send("POST /tolvex/" + operation + "/ HTTP/1.1\r\nHost: " + host().toLatin1()
+                + "\r\n"
                   "Content-Type: application/x-www-form-urlencoded\r\nContent-Length: "
                 + QByteArray::number(form.size()) + "\r\n\r\n" + form);
 }
@@ -167,6 +170,14 @@ LocalServiceProcess::Reply LocalServiceProcess::get(const QByteArray &path,
 {
     return send("GET " + path + " HTTP/1.1\r\nHost: localhost:" + QByteArray::number(m_port)
                 + "\r\n" + headerLines + "\r\n");
+}
+
+bool LocalServiceProcess::isWhole(const QByteArray &raw, bool hasBody)
+{
+    const Reply reply = parsed(raw);
+    const QByteArray length = headerValue(reply, "Content-Length");
+    return reply.status != 0
+        && (!hasBody || (!length.isEmpty() && reply.body.size() >= length.toLongLong()));
 }
 
 LocalServiceProcess::Reply LocalServiceProcess::parsed(const QByteArray &raw)

@@ -63,13 +63,15 @@ public:
     /** The first value of query(), or an invalid one. */
     QVariant value(const QString &statement, const QVariantList &values = {}) const;
 
-    /** Sends the exact bytes on one connection and reads the reply until the service closes it. */
+    /** Sends the exact bytes on a connection of their own and reads one whole reply. */
     Reply send(const QByteArray &request) const;
     /** Posts a form body such as "Username=demo&Password=demo" to an operation. */
     Reply post(const QByteArray &operation, const QByteArray &form) const;
     Reply get(const QByteArray &path, const QByteArray &headerLines = {}) const;
 
     static Reply parsed(const QByteArray &raw);
+    /** Whether @p raw holds a reply to its end, which its Content-Length tells. */
+    static bool isWhole(const QByteArray &raw, bool hasBody = true);
     /** The value of a header line of a reply; empty = it has none. */
     static QByteArray headerValue(const Reply &reply, const QByteArray &name);
 

@@ -56,20 +56,22 @@ QByteArray UploadRequest::body() const
     return body + "--" + boundary + "--\r\n";
 }
 
-QByteArray UploadRequest::header(const QByteArray &body) const
+QByteArray UploadRequest::header(const QByteArray &body, const QString &host) const
 {
     const QByteArray type =
         contentType.isEmpty() ? "multipart/form-data, boundary=" + boundary : contentType;
-    return "POST /tolvex/CreateAuction/ HTTP/1.1\r\nUser-Agent: Nokia N900\r\nHost: localhost\r\n"
-           "Connection: Keep-Alive\r\nAccept-Encoding: gzip,deflate\r\nKeep-Alive: 1800000\r\n"
-           "Content-type: "
+    return "POST /tolvex/CreateAuction/ HTTP/1.1\r\nUser-Agent: Nokia N900\r\nHost: "
+        + host.toLatin1()
+        + "\r\n"
+          "Connection: Keep-Alive\r\nAccept-Encoding: gzip,deflate\r\nKeep-Alive: 1800000\r\n"
+          "Content-type: "
         + type + "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n";
 }
 
-QByteArray UploadRequest::bytes() const
+QByteArray UploadRequest::bytes(const QString &host) const
 {
     const QByteArray content = body();
-    return header(content) + content;
+    return header(content, host) + content;
 }
 
 QByteArray UploadRequest::encoded(const QImage &image, const char *format)

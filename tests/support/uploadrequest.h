@@ -26,10 +26,10 @@ struct UploadRequest
     void remove(const QByteArray &field);
 
     QByteArray body() const;
-    /** Header and body. */
-    QByteArray bytes() const;
+    /** Header and body for the service at @p host. */
+    QByteArray bytes(const QString &host) const;
     /** A header that announces @p body. */
-    QByteArray header(const QByteArray &body) const;
+    QByteArray header(const QByteArray &body, const QString &host) const;
 
     static QByteArray encoded(const QImage &image, const char *format);
 };
