@@ -1,12 +1,19 @@
 #include "imagefile.h"
 
+#include <QBuffer>
+#include <QFile>
 #include <QImageReader>
+#include <QtEndian>
+
+#include <array>
+
+#include <zlib.h>
 
 namespace {
 
 constexpr qint64 maxPhotoPixels = 256'000'000;
 constexpr int maxPhotoMegabytes = 1024; // what as many pixels take
-constexpr qint64 maxReplyBytes = 256LL * 1024 * 1024;
+constexpr qint64 maxReplyBytes = 64LL * 1024 * 1024;
 
 // The toolkit refuses larger pictures; its limit is one for the whole program, and so only lifted
 // for as long as one picture is read.
@@ -43,6 +50,76 @@ qint64 unpackedBytes(const QImageReader &reader)
     return pixelCount(reader.size()) * depth / 8;
 }
 
+// What the compressed data takes once it is unpacked, looked at up to the limit and a little more.
+qint64 inflatedBytes(QByteArrayView data, qint64 limit)
+{
+    z_stream stream = {};
+    stream.next_in = const_cast<Bytef *>(reinterpret_cast<const Bytef *>(data.data()));
+    stream.avail_in = static_cast<uInt>(data.size());
+    if (inflateInit(&stream) != Z_OK)
+        return 0;
+    std::array<Bytef, 65536> page;
+    qint64 bytes = 0;
+    int result = Z_OK;
+    while (result == Z_OK && bytes <= limit) {
+        stream.next_out = page.data();
+        stream.avail_out = static_cast<uInt>(page.size());
+        result = inflate(&stream, Z_NO_FLUSH);
+        bytes += static_cast<qint64>(page.size() - stream.avail_out);
+    }
+    inflateEnd(&stream);
+    return bytes;
+}
+
+// The bytes from a place on that may lie behind the last.
+QByteArrayView from(QByteArrayView bytes, qsizetype place)
+{
+    return bytes.sliced(qMin(place, bytes.size()));
+}
+
+// What a chunk of a PNG that is no part of its pixels takes once it is unpacked.
+qint64 chunkBytes(QByteArrayView type, QByteArrayView data, qint64 limit)
+{
+    const qsizetype name = data.indexOf('\0') + 1;
+    if (type == "zTXt" || type == "iCCP")
+        return inflatedBytes(from(data, name + 1), limit); // behind the method
+    const bool isCompressed = type == "iTXt" && from(data, name).startsWith('\1');
+    if (!isCompressed)
+        return data.size();
+    // Behind flag and method stand two more names.
+    const qsizetype language = data.indexOf('\0', name + 2) + 1;
+    return inflatedBytes(from(data, data.indexOf('\0', language) + 1), limit);
+}
+
+// A picture as it came, without the texts in it, which nobody reads; what they would have taken
+// is in textBytes.
+QByteArray withoutTexts(const QByteArray &file, qint64 *textBytes)
+{
+    const QByteArray signature("\x89PNG\r\n\x1a\n");
+    *textBytes = 0;
+    if (!file.startsWith(signature))
+        return file;
+    constexpr qint64 frame = 12; // length, type and check sum
+    QByteArray picture = signature;
+    qsizetype place = signature.size();
+    while (place + frame <= file.size() && *textBytes <= maxReplyBytes) {
+        const qint64 length = qFromBigEndian<quint32>(file.constData() + place);
+        const qsizetype size = static_cast<qsizetype>(qMin(frame + length, file.size() - place));
+        const QByteArrayView type = QByteArrayView(file).sliced(place + 4, 4);
+        const bool isText = type == "tEXt" || type == "zTXt" || type == "iTXt";
+        if (isText || type == "iCCP") {
+            const QByteArrayView data =
+                QByteArrayView(file).sliced(place + 8, size - static_cast<qsizetype>(frame));
+            *textBytes += chunkBytes(type, data, maxReplyBytes - *textBytes);
+        }
+        if (!isText)
+            picture.append(file.constData() + place, size);
+        place += size;
+    }
+    picture.append(file.constData() + place, file.size() - place);
+    return picture;
+}
+
 // The size in which a picture of the first size fills the box; never without pixels.
 QSize fitted(const QSize &size, const QSize &box)
 {
@@ -72,9 +149,17 @@ ShownPhoto readPhoto(const QString &fileName, const QSize &box)
 
 QImage readReplyImage(const QString &fileName, const QSize &bounds)
 {
-    QImageReader reader(fileName);
-    reader.setDecideFormatFromContent(true);
-    if (unpackedBytes(reader) > maxReplyBytes)
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly) || file.size() > maxReplyBytes)
+        return {};
+    qint64 textBytes = 0;
+    QByteArray picture = withoutTexts(file.readAll(), &textBytes);
+    if (textBytes > maxReplyBytes)
+        return {};
+
+    QBuffer buffer(&picture);
+    QImageReader reader(&buffer);
+    if (unpackedBytes(reader) + textBytes > maxReplyBytes)
         return {};
     const QImage image = reader.read();
     if (image.isNull())

@@ -25,5 +25,8 @@ struct ShownPhoto
  */
 ShownPhoto readPhoto(const QString &fileName, const QSize &box);
 
-/** The picture of a reply, at most as large as @p bounds; null when there is none to read. */
+/**
+ * The picture of a reply, at most as large as @p bounds; null when there is none to read, or when
+ * it would take more than 64 MB unpacked, its texts included.
+ */
 QImage readReplyImage(const QString &fileName, const QSize &bounds);

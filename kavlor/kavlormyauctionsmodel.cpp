@@ -9,6 +9,7 @@ namespace {
 constexpr QSize thumbnailSize(120, 90);
 constexpr int columns = 2;
 constexpr qsizetype itemsPerLine = 11;
+constexpr qsizetype maxThumbnailBytes = 24L * 1024 * 1024;
 
 QString thumbnailKey(uint auctionId)
 {
@@ -32,6 +33,7 @@ QPixmap cacheThumbnail(uint auctionId, const QPixmap &thumbnail)
 
 CKavlorMyAuctionsModel::CKavlorMyAuctionsModel(QObject *parent)
     : QAbstractTableModel(parent)
+    , m_thumbnails(maxThumbnailBytes)
 {
 }
 
@@ -45,6 +47,7 @@ bool CKavlorMyAuctionsModel::load(const QString &reply)
     beginResetModel();
     m_ids.clear();
     m_auctions.clear();
+    m_thumbnails.clear();
     const QList<QStringView> lines = QStringView(reply).split(QLatin1Char('\n'));
     // The first line is a header.
     for (qsizetype i = 1; i < lines.size(); ++i) {
@@ -77,7 +80,9 @@ bool CKavlorMyAuctionsModel::appendLine(QStringView line)
     auction.bids = items.at(9).toInt();
     auction.item10 = items.at(10).toInt();
     // One from an earlier list is kept, so that it can be made again when the cache loses it.
-    auction.noThumbnail = !QPixmapCache::find(thumbnailKey(id), &auction.thumbnail);
+    QPixmap thumbnail;
+    if (QPixmapCache::find(thumbnailKey(id), &thumbnail))
+        keepThumbnail(id, thumbnail);
 
     m_ids.insert(static_cast<int>(m_ids.size()), id);
     m_auctions.insert(id, auction);
@@ -86,16 +91,20 @@ bool CKavlorMyAuctionsModel::appendLine(QStringView line)
 
 void CKavlorMyAuctionsModel::setThumbnail(uint auctionId, const QPixmap &thumbnail)
 {
-    const auto auction = m_auctions.find(auctionId);
-    if (auction == m_auctions.end())
+    if (!m_auctions.contains(auctionId))
         return;
-    auction->thumbnail = thumbnail;
-    auction->noThumbnail = false;
+    keepThumbnail(auctionId, thumbnail);
     if (thumbnail.isNull())
         return;
     cacheThumbnail(auctionId, thumbnail);
     // The whole column, since looking for the row would take longer the longer the list is.
     emit dataChanged(index(0, Thumbnail), index(rowCount() - 1, Thumbnail), {Qt::DecorationRole});
+}
+
+void CKavlorMyAuctionsModel::keepThumbnail(uint auctionId, const QPixmap &thumbnail)
+{
+    const qsizetype bytes = qsizetype(thumbnail.width()) * thumbnail.height() * 4;
+    m_thumbnails.insert(auctionId, new QPixmap(thumbnail), qMax<qsizetype>(bytes, 1));
 }
 
 void CKavlorMyAuctionsModel::setPrices(uint auctionId, int reservePrice, int buyItNowPrice)
@@ -114,7 +123,12 @@ uint CKavlorMyAuctionsModel::auctionId(int row) const
 
 CAuctionRow CKavlorMyAuctionsModel::auction(uint auctionId) const
 {
-    return m_auctions.value(auctionId);
+    CAuctionRow auction = m_auctions.value(auctionId);
+    const QPixmap *thumbnail = m_thumbnails.object(auctionId);
+    auction.noThumbnail = !thumbnail;
+    if (thumbnail)
+        auction.thumbnail = *thumbnail;
+    return auction;
 }
 
 QString CKavlorMyAuctionsModel::cellText(const QModelIndex &index) const
@@ -175,17 +189,18 @@ QVariant CKavlorMyAuctionsModel::headerData(int section, Qt::Orientation orienta
 
 QVariant CKavlorMyAuctionsModel::thumbnail(uint auctionId) const
 {
-    const auto auction = m_auctions.constFind(auctionId);
-    if (auction->noThumbnail) {
+    // Asked for in any case: what is shown is kept longest.
+    const QPixmap *original = m_thumbnails.object(auctionId);
+    if (!original) {
         emit requestThumb(auctionId);
         return {};
     }
     QPixmap cached;
     if (QPixmapCache::find(thumbnailKey(auctionId), &cached))
         return cached;
-    if (auction->thumbnail.isNull())
+    if (original->isNull())
         return {};
-    return cacheThumbnail(auctionId, auction->thumbnail);
+    return cacheThumbnail(auctionId, *original);
 }
 
 QPixmap CKavlorMyAuctionsModel::strip(uint auctionId) const

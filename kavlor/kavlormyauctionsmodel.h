@@ -3,16 +3,19 @@
 #include "auctionrow.h"
 
 #include <QAbstractTableModel>
+#include <QCache>
 #include <QHash>
+#include <QPixmap>
 
 /**
  * The member's auctions, one a row: a thumbnail and a painted strip of information.
  *
- * Both pictures are kept in QPixmapCache and made again when they fall out of it, so that memory
- * is bounded by what was looked at. Thumbnails come from outside: a view that wants to show one
- * that is missing makes the model ask for it, as often as it wants to show it, until
- * setThumbnail() was called. A picture is made, or asked for, only for a cell whose decoration is
- * read; sizes are in cellSize(). The frame that shows the auctions owns the model.
+ * Both pictures are kept in QPixmapCache and made again when they fall out of it. Of the thumbnails
+ * as they came only those last shown are kept, so that memory is bounded however many rows there
+ * are; one of a row that was scrolled past long ago is missing again. Thumbnails come from outside:
+ * a view that wants to show one that is missing makes the model ask for it, as often as it wants to
+ * show it, until setThumbnail() was called. A picture is made, or asked for, only for a cell whose
+ * decoration is read; sizes are in cellSize(). The frame that shows the auctions owns the model.
  */
 class CKavlorMyAuctionsModel : public QAbstractTableModel
 {
@@ -55,9 +58,11 @@ signals:
 
 private:
     bool appendLine(QStringView line);
+    void keepThumbnail(uint auctionId, const QPixmap &thumbnail);
     QVariant thumbnail(uint auctionId) const;
     QPixmap strip(uint auctionId) const;
 
-    QHash<int, uint> m_ids; // by row
-    QHash<uint, CAuctionRow> m_auctions;
+    QHash<int, uint> m_ids;              // by row
+    QHash<uint, CAuctionRow> m_auctions; // without their thumbnails
+    QCache<uint, QPixmap> m_thumbnails;  // as they came, those last shown; costs are bytes
 };

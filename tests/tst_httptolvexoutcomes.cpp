@@ -19,8 +19,11 @@
 #include <QTest>
 #include <QTimer>
 #include <QWidget>
+#include <QtEndian>
 
 #include <memory>
+
+#include <zlib.h>
 
 namespace {
 
@@ -73,6 +76,32 @@ QByteArray encoded(int width, int height, const char *format)
     return buffer.data();
 }
 
+QByteArray pngChunk(const QByteArray &type, const QByteArray &data)
+{
+    const QByteArray checked = type + data;
+    const auto bigEndian = [](quint32 number) {
+        QByteArray bytes(4, '\0');
+        qToBigEndian(number, bytes.data());
+        return bytes;
+    };
+    const uLong sum = crc32(0, reinterpret_cast<const Bytef *>(checked.constData()),
+                            static_cast<uInt>(checked.size()));
+    return bigEndian(static_cast<quint32>(data.size())) + checked
+        + bigEndian(static_cast<quint32>(sum));
+}
+
+// A small PNG with so many chunks put in behind its header.
+QByteArray pngWith(const QByteArray &type, const QByteArray &data, int count)
+{
+    constexpr qsizetype header = 33; // with the signature
+    return encoded(40, 20, "PNG").insert(header, pngChunk(type, data).repeated(count));
+}
+
+QByteArray deflated(qsizetype size)
+{
+    return qCompress(QByteArray(size, 'x'), 9).mid(4);
+}
+
 // Counts what the mouse does over a window.
 class InputCounter : public QObject
 {
@@ -117,6 +146,8 @@ private slots:
     void image();
     void absurdImageIsRefusedWithoutSpendingMemory_data();
     void absurdImageIsRefusedWithoutSpendingMemory();
+    void textsInAPictureAreBounded_data();
+    void textsInAPictureAreBounded();
     void contentTypeOfAnEarlierReplyDoesNotStay();
 
     void brokenTransfer_data();
@@ -373,6 +404,43 @@ void tst_HttpTolvexOutcomes::absurdImageIsRefusedWithoutSpendingMemory()
     getImage(m_http.get());
     QTRY_COMPARE(m_log->size(), 1);
     QCOMPARE(m_log->textAt(0), QStringLiteral("image 0x0 | "));
+    QVERIFY(peakMemory() - before < 64LL * 1024);
+}
+
+void tst_HttpTolvexOutcomes::textsInAPictureAreBounded_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("result");
+    const QString refused = QStringLiteral("image 0x0 | ");
+    const QString shown = QStringLiteral("image 220x110 | ");
+    // The largest that the reader takes of one chunk.
+    const QByteArray large = deflated(7'900'000);
+    const QByteArray zText = QByteArray("key\0\0", 5) + large;
+    const QByteArray iText = QByteArray("key\0\1\0en\0key\0", 13) + large;
+    const QByteArray plainText = QByteArray("key\0", 4) + QByteArray(100000, 'x');
+    QTest::newRow("70 MB in 68 kB") << pngWith("zTXt", zText, 9) << refused;
+    QTest::newRow("700 MB in 684 kB") << pngWith("zTXt", zText, 89) << refused;
+    QTest::newRow("70 MB of international text") << pngWith("iTXt", iText, 9) << refused;
+    QTest::newRow("70 MB in one chunk")
+        << pngWith("zTXt", QByteArray("key\0\0", 5) + deflated(70'000'000), 1) << refused;
+    QTest::newRow("55 MB") << pngWith("zTXt", zText, 7) << shown;
+    QTest::newRow("1 MB, not compressed") << pngWith("tEXt", plainText, 10) << shown;
+    QTest::newRow("broken text") << pngWith("zTXt", QByteArray("key\0\0xyz", 8), 3) << shown;
+    QTest::newRow("empty text") << pngWith("iTXt", QByteArray(), 3) << shown;
+    QTest::newRow("a chunk longer than the file")
+        << pngWith("zTXt", zText, 1).left(5000) << refused;
+}
+
+void tst_HttpTolvexOutcomes::textsInAPictureAreBounded()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(QString, result);
+    expect(ScriptedService::reply(body, "image/png"));
+    QVERIFY(resetPeakMemory());
+    const qint64 before = peakMemory();
+    getImage(m_http.get());
+    QTRY_COMPARE(m_log->size(), 1);
+    QCOMPARE(m_log->textAt(0), result);
     QVERIFY(peakMemory() - before < 64LL * 1024);
 }
 

@@ -2,6 +2,7 @@
 #include "auctionstrip.h"
 #include "kavlormyauctionsmodel.h"
 #include "picturecomparison.h"
+#include "processmemory.h"
 #include "testcase.h"
 #include "testmain.h"
 
@@ -102,6 +103,7 @@ private slots:
     void marksStandInARow();
     void stripsArePaintedOnceAndShared();
     void evictedPicturesAreMadeAgain();
+    void thumbnailsOfRowsPassedLongAgoAreNotKept();
     void newPricesLeaveThePaintedStrip();
 
 private:
@@ -742,6 +744,36 @@ void tst_KavlorMyAuctionsModel::evictedPicturesAreMadeAgain()
     QCOMPARE(thumbnailWithoutCache, thumbnail);
     QCOMPARE(stripWithoutCache, strip);
     QCOMPARE(asked.size(), 0);
+}
+
+void tst_KavlorMyAuctionsModel::thumbnailsOfRowsPassedLongAgoAreNotKept()
+{
+    constexpr int rows = 1000;
+    constexpr int near = 100;              // some twenty screens
+    constexpr qint64 enough = 64LL * 1024; // KiB; all of them would be 142 MB
+    m_model->load(auctionReply(rows));
+    QSignalSpy asked(m_model.get(), &CKavlorMyAuctionsModel::requestThumb);
+    QVERIFY(resetPeakMemory());
+    const qint64 before = peakMemory();
+    for (int row = 0; row < rows; ++row) {
+        m_model->setThumbnail(m_model->auctionId(row), chequered({220, 165}));
+        QVERIFY(!cell(row, CKavlorMyAuctionsModel::Thumbnail).isNull());
+    }
+    QCOMPARE(asked.size(), 0);
+    const qint64 spent = peakMemory() - before;
+    QVERIFY2(spent < enough, QByteArray::number(spent).constData());
+
+    QPixmapCache::clear();
+    for (int row = rows - near; row < rows; ++row) {
+        QVERIFY(!cell(row, CKavlorMyAuctionsModel::Thumbnail).isNull());
+        QVERIFY(!m_model->auction(m_model->auctionId(row)).thumbnail.isNull());
+    }
+    QCOMPARE(asked.size(), 0);
+    QVERIFY(cell(0, CKavlorMyAuctionsModel::Thumbnail).isNull());
+    QCOMPARE(asked.size(), 1);
+    QCOMPARE(asked.constFirst().constFirst().toUInt(), m_model->auctionId(0));
+    m_model->setThumbnail(m_model->auctionId(0), chequered({220, 165}));
+    QVERIFY(!cell(0, CKavlorMyAuctionsModel::Thumbnail).isNull());
 }
 
 void tst_KavlorMyAuctionsModel::newPricesLeaveThePaintedStrip()
