@@ -134,6 +134,11 @@ const QString &RootViewController::password() const
     return m_user.field(CKavlorUser::Password);
 }
 
+UploadDraft RootViewController::uploadDraft() const
+{
+    return UploadDraft(m_settings->fileName());
+}
+
 void RootViewController::deleteBar()
 {
     // Not deleted at once: it may be its own button that asked for the next screen.
@@ -214,6 +219,7 @@ void RootViewController::makeRequest()
 
 void RootViewController::showHome(const QString &userName, const QString &password, bool aValidated)
 {
+    uploadDraft().keepOnlyOf(userName);
     m_user.load(userName);
     if (!aValidated || this->userName() != userName || this->password() != password) {
         m_user.setField(CKavlorUser::Username, userName);

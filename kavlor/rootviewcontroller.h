@@ -7,6 +7,7 @@
 
 #include "kavlornotificationoptions.h"
 #include "kavloruser.h"
+#include "uploaddraft.h"
 
 class CHttpTolvex;
 class CKavlorSplashWindow;
@@ -52,6 +53,8 @@ public:
 
     /** The live record of the signed-in member. */
     CKavlorUser *user();
+    /** Where an upload that was not finished is kept, beside the settings. */
+    UploadDraft uploadDraft() const;
 
 signals:
     void WelcomeKavlor(QString userName, QString password, bool aValidated);

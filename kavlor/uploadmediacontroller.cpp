@@ -119,6 +119,17 @@ QString withoutPrompt(const QString &text, const QString &prompt)
     return isPromptWhole || given.isEmpty() ? given : text;
 }
 
+bool isVideo(const QString &fileName)
+{
+    return fileName.endsWith(QLatin1String("mp4"));
+}
+
+std::optional<UploadDraft> draftOf(const QWidget *contentFrame)
+{
+    const RootViewController *root = RootViewController::of(contentFrame);
+    return root ? std::optional(root->uploadDraft()) : std::nullopt;
+}
+
 const char *editedProperty()
 {
     return "edited";
@@ -132,6 +143,7 @@ CUploadMediaController::CUploadMediaController(CKavlorUser *user, QWidget *paren
     , m_request(new CHttpTolvex(this))
     , m_progress(new CProgressiveModel(this, progressCells, 0))
     , m_ui(std::make_unique<Ui::CUploadMediaController>())
+    , m_draft(draftOf(this))
 {
     m_ui->setupUi(this);
     new ContentColumn(this, QSize(1280, 720));
@@ -143,9 +155,14 @@ CUploadMediaController::CUploadMediaController(CKavlorUser *user, QWidget *paren
     m_rotationTimer.setSingleShot(true);
     connectForm();
     connectRequest();
+    offerDraft();
 }
 
-CUploadMediaController::~CUploadMediaController() = default;
+CUploadMediaController::~CUploadMediaController()
+{
+    if (!m_leaving)
+        keepDraft();
+}
 
 void CUploadMediaController::connectForm()
 {
@@ -155,6 +172,7 @@ void CUploadMediaController::connectForm()
             &CUploadMediaController::changeMedia);
     connect(this, &CUploadMediaController::descriptionToBeShown, this,
             &CUploadMediaController::showDescription);
+    connect(m_ui->takeUpButton, &QPushButton::clicked, this, &CUploadMediaController::takeUpDraft);
     connect(m_ui->doneButton, &QPushButton::clicked, this, &CUploadMediaController::doneClick);
     connect(this, &CUploadMediaController::uploadCancel, this,
             &CUploadMediaController::cancelClicked);
@@ -238,6 +256,7 @@ void CUploadMediaController::showPage(QFrame *page)
     m_ui->photoClicker->setEnabled(false);
     m_ui->descriptionFrame->hide();
     page->show();
+    keepDraft();
     QFrame *previous = m_page;
     m_page = page;
     retire(previous);
@@ -274,7 +293,7 @@ void CUploadMediaController::chooseMediaClick()
         fileName = m_record.mediaPath;
     if (fileName.isEmpty())
         return;
-    changeMedia(fileName, fileName.endsWith(QLatin1String("mp4")));
+    changeMedia(fileName, isVideo(fileName));
 }
 
 QString CUploadMediaController::startFolder() const
@@ -290,6 +309,7 @@ QString CUploadMediaController::startFolder() const
 void CUploadMediaController::changeMedia(const QString &aFileName, bool aVideo)
 {
     m_rotationTimer.stop();
+    m_ui->takeUpButton->hide();
     if (!m_previewSize.isValid()) {
         settleLayout();
         m_previewSize = m_ui->photoLabel->size();
@@ -297,16 +317,69 @@ void CUploadMediaController::changeMedia(const QString &aFileName, bool aVideo)
     if (aFileName.isEmpty())
         return;
 
+    // The same file, chosen again, stays the record that is on auction.
+    if (aFileName != m_record.mediaPath)
+        m_placed = false;
     m_record.mediaPath = aFileName;
     m_record.captureDate = creationTime(aFileName);
     m_record.category = 0;
     if (aVideo) {
         showVideoIcon();
     } else if (!showImage()) {
+        offerDraft();
         inform(tr("Cannot load %1.").arg(aFileName));
         return;
     }
     emit descriptionToBeShown();
+    keepDraft();
+}
+
+// Shows the button only on the first page, and only while there is something to take up.
+void CUploadMediaController::offerDraft()
+{
+    const bool isOffered =
+        m_step == ChoosingMedia && m_draft && m_draft->load(m_user->field(CKavlorUser::Username));
+    m_ui->takeUpButton->setVisible(isOffered);
+}
+
+void CUploadMediaController::takeUpDraft()
+{
+    std::optional<CAuctionRecord> left = m_draft->load(m_user->field(CKavlorUser::Username));
+    if (!left) {
+        m_ui->takeUpButton->hide();
+        return;
+    }
+    if (!QFileInfo::exists(left->mediaPath)) {
+        inform(tr("%1 is no longer there.").arg(left->mediaPath));
+        return;
+    }
+    const QPointer<CUploadMediaController> guard(this);
+    changeMedia(left->mediaPath, isVideo(left->mediaPath));
+    if (!guard || m_step != Describing)
+        return; // it could not be loaded
+
+    left->captureDate = m_record.captureDate;
+    m_record = *left;
+    // No prompt is left to be wiped where something was entered.
+    m_captionCleared = !m_record.caption.isEmpty();
+    m_captionEmpty = m_record.caption.isEmpty();
+    m_ui->lineCaption->setProperty(editedProperty(), m_captionCleared);
+    m_descriptionCleared = !m_record.description.isEmpty();
+    m_descriptionEmpty = m_record.description.isEmpty();
+    m_ui->textDescription->setProperty(editedProperty(), m_descriptionCleared);
+    showDescription();
+    keepDraft();
+}
+
+// Of what is in the fields now; the record takes some of it later.
+void CUploadMediaController::keepDraft()
+{
+    if (!m_draft || m_placed || m_step == ChoosingMedia)
+        return;
+    CAuctionRecord record = m_record;
+    record.caption = m_captionEmpty ? QString() : m_ui->lineCaption->text();
+    record.description = m_descriptionEmpty ? QString() : m_ui->textDescription->toPlainText();
+    m_draft->save(m_user->field(CKavlorUser::Username), record);
 }
 
 bool CUploadMediaController::showImage()
@@ -504,6 +577,13 @@ void CUploadMediaController::createAuction()
                   "Please wait for the result."));
         return;
     }
+    if (m_placed
+        && !MessageBox::ask(this, tr("kavlor media"),
+                            tr("You have placed this on auction already. "
+                               "Do you want to place it on auction once more?")))
+        return;
+    m_placed = false;
+    keepDraft();
     setPercentage(1);
     m_progress->animate(true, static_cast<uint>(timeConstants().progressStep), 0);
     m_uploading = true;
@@ -525,6 +605,9 @@ void CUploadMediaController::requestDone(const QString &aResponse, const QString
             emit uploadCancel();
         return;
     }
+    m_placed = true;
+    if (m_draft)
+        m_draft->remove();
     if (!RootViewController::of(this))
         return;
     auto *page = new CUploadMediaConfirmation(m_ui->pageArea);
@@ -546,6 +629,7 @@ void CUploadMediaController::cancelClicked()
 {
     if (m_leaving)
         return;
+    keepDraft();
     m_leaving = true;
     m_uploading = false;
     // Copies, since the root loads the record anew.

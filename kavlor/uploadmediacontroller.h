@@ -1,6 +1,7 @@
 #pragma once
 
 #include "auctionrecord.h"
+#include "uploaddraft.h"
 
 #include <QFrame>
 #include <QPointer>
@@ -8,6 +9,7 @@
 #include <QStringList>
 #include <QTimer>
 #include <memory>
+#include <optional>
 
 class CHttpTolvex;
 class CKavlorUser;
@@ -24,6 +26,9 @@ class CUploadMediaController;
  * A content frame of the root window. Its pages take the place of its description area, one at a
  * time. It deletes itself when the member leaves: after a success it has emitted uploadComplete(),
  * in every other case it has asked the root for the home screen. The user is not owned.
+ *
+ * What is entered is kept as the member's draft until the service has it; the first page offers to
+ * take up one that is there.
  */
 class CUploadMediaController : public QFrame
 {
@@ -73,6 +78,9 @@ private:
     bool inform(const QString &text);
     QString startFolder() const;
     void settleLayout();
+    void offerDraft();
+    void takeUpDraft();
+    void keepDraft();
     void showPrompt();
     bool showImage();
     void showVideoIcon();
@@ -87,9 +95,11 @@ private:
     CProgressiveModel *m_progress;
     std::unique_ptr<Ui::CUploadMediaController> m_ui;
     CAuctionRecord m_record;
+    const std::optional<UploadDraft> m_draft; // none without a root window
     Step m_step = ChoosingMedia;
     QPointer<QFrame> m_page;
     bool m_uploading = false;
+    bool m_placed = false; // the record is on auction
     bool m_leaving = false;
     bool m_captionEmpty = true; // no first character seen yet
     bool m_descriptionEmpty = true;

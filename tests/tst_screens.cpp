@@ -49,6 +49,7 @@ private:
     bool toHome(RootWindow &window);
     bool toUpload(RootWindow &window);
     bool toDescription(RootWindow &window);
+    bool toUploadThatWasLeft(RootWindow &window);
     bool toCategory(RootWindow &window);
     bool toSubcategory(RootWindow &window);
     bool toPrices(RootWindow &window);
@@ -249,6 +250,14 @@ bool tst_Screens::toDescription(RootWindow &window)
         && window.type("lineCaption", QStringLiteral("Evening at the lake"));
 }
 
+bool tst_Screens::toUploadThatWasLeft(RootWindow &window)
+{
+    return toDescription(window) && window.click("cancelNavigationButton")
+        && QTest::qWaitFor([&] { return window.find("buttonUpload"); })
+        && window.click("buttonUpload")
+        && QTest::qWaitFor([&] { return window.find("takeUpButton"); });
+}
+
 bool tst_Screens::toCategory(RootWindow &window)
 {
     return toDescription(window) && window.click("doneButton") && window.find("categoriesTable");
@@ -373,6 +382,7 @@ void tst_Screens::everythingIsInPlace_data()
     QTest::newRow("terms") << &tst_Screens::toTerms;
     QTest::newRow("home") << &tst_Screens::toHome;
     QTest::newRow("upload") << &tst_Screens::toUpload;
+    QTest::newRow("upload that was left") << &tst_Screens::toUploadThatWasLeft;
     QTest::newRow("description") << &tst_Screens::toDescription;
     QTest::newRow("category") << &tst_Screens::toCategory;
     QTest::newRow("sub-category") << &tst_Screens::toSubcategory;

@@ -16,6 +16,7 @@
 #include "uploadmediacontroller.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QBuffer>
 #include <QClipboard>
 #include <QDir>
@@ -24,6 +25,7 @@
 #include <QInputMethodEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPainter>
 #include <QPixmapCache>
 #include <QPlainTextEdit>
@@ -39,6 +41,7 @@
 #include <QWindow>
 
 #include <functional>
+#include <optional>
 
 using Wizard = CUploadMediaController;
 
@@ -156,6 +159,27 @@ public:
             && setPrice("reservePrice", QStringLiteral("20"))
             && setPrice("buyItNowPrice", QStringLiteral("30")) && window.click("finalizeButton")
             && window.find("createAuctionButton");
+    }
+
+    // Comes home and opens the wizard anew.
+    bool reopen()
+    {
+        if (!waitForHome() || !window.click("buttonUpload"))
+            return false;
+        wizard = window.shown<Wizard>();
+        return wizard && waitForWindow();
+    }
+
+    // The end of the program, and its next start.
+    bool restart()
+    {
+        window.end();
+        return open();
+    }
+
+    bool takeUp()
+    {
+        return window.click("takeUpButton") && window.find("doneButton")->isEnabled();
     }
 
     // Up to an upload that the service has received and not yet answered.
@@ -401,6 +425,19 @@ private slots:
     void backDuringTheUploadReopensThePricesAndLetsItRun();
     void aFailureAfterBackGoesHome();
     void aSecondUploadIsNotStartedDuringTheFirst();
+    void placingTwiceIsAskedFirst();
+    void anotherPhotoIsNotAskedFor();
+    void withNothingToTakeUpThereIsNoButton();
+    void aFailedUploadIsTakenUp_data();
+    void aFailedUploadIsTakenUp();
+    void anUploadThatWasLeftIsTakenUp_data();
+    void anUploadThatWasLeftIsTakenUp();
+    void anUploadThatWasStartedSurvivesTheEnd();
+    void nothingIsLeftToTakeUp_data();
+    void nothingIsLeftToTakeUp();
+    void aPhotoThatIsGoneSaysSo();
+    void aPhotoThatCannotBeLoadedLeavesTheDraft();
+    void anUntouchedFieldOfADraftShowsItsPrompt();
     void aReplyDuringAMessageIsSafe();
     void aFailureDuringTheFileDialogIsSafe();
     void aReplyWithoutAnUploadOnlySetsTheStrip();
@@ -1673,6 +1710,270 @@ void tst_UploadMediaController::aSecondUploadIsNotStartedDuringTheFirst()
     QTRY_VERIFY(driver.window.find("alertLabel"));
     QCOMPARE(driver.uploads(), 1);
     QVERIFY2(driver.window.service.isDone(), driver.window.service.report());
+}
+
+void tst_UploadMediaController::placingTwiceIsAskedFirst()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toHeldUpload());
+    driver.window.service.release();
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(driver.window.click("finalizeButton"));
+    QVERIFY(driver.window.click("createAuctionButton"));
+    // The answer was the default one.
+    QCOMPARE(driver.window.dialogs.boxes().size(), 1);
+    QVERIFY(driver.lastBox().contains(QLatin1String("once more?")));
+    QCOMPARE(driver.uploads(), 1);
+    QCOMPARE(driver.litCell(), 2);
+
+    QVERIFY(driver.window.click("backNavigationButton"));
+    QVERIFY(driver.window.click("finalizeButton"));
+    driver.window.service.expect("CreateAuction", "43");
+    driver.window.dialogs.beforeNextAnswer([] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        QVERIFY(box);
+        QTest::mouseClick(box->button(QMessageBox::Yes), Qt::LeftButton);
+    });
+    QVERIFY(driver.window.click("createAuctionButton"));
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    QCOMPARE(driver.uploads(), 2);
+    QVERIFY2(driver.window.service.isDone(), driver.window.service.report());
+}
+
+void tst_UploadMediaController::anotherPhotoIsNotAskedFor()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toHeldUpload());
+    driver.window.service.release();
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    for (int i = 0; i < 3; ++i)
+        QVERIFY(driver.window.click("backNavigationButton"));
+    driver.choose(driver.makePhoto(QStringLiteral("b.png"), 40, 30));
+    QVERIFY(driver.window.click("doneButton"));
+    driver.pick(1);
+    QVERIFY(driver.waitForPrices());
+    QVERIFY(driver.window.click("finalizeButton"));
+    driver.window.service.expect("CreateAuction", "43");
+    QVERIFY(driver.window.click("createAuctionButton"));
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    QCOMPARE(driver.window.dialogs.boxes().size(), 0);
+    QCOMPARE(driver.uploads(), 2);
+}
+
+void tst_UploadMediaController::withNothingToTakeUpThereIsNoButton()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(!driver.window.find("takeUpButton"));
+    QVERIFY(driver.window.click("cancelNavigationButton")); // nothing was begun
+    QVERIFY(driver.reopen());
+    QVERIFY(!driver.window.find("takeUpButton"));
+}
+
+void tst_UploadMediaController::aFailedUploadIsTakenUp_data()
+{
+    QTest::addColumn<bool>("ends");
+    QTest::newRow("at once") << false;
+    QTest::newRow("after the end of the program") << true;
+}
+
+void tst_UploadMediaController::aFailedUploadIsTakenUp()
+{
+    QFETCH(bool, ends);
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.describe(QStringLiteral("sunset")));
+    QVERIFY(driver.type("textDescription", QStringLiteral("by the bay")));
+    QVERIFY(driver.window.click("doneButton"));
+    driver.pick(0);
+    driver.pick(0);
+    QVERIFY(driver.waitForPrices());
+    QVERIFY(driver.setPrice("startPrice", QStringLiteral("10")));
+    QVERIFY(driver.setPrice("reservePrice", QStringLiteral("20")));
+    QVERIFY(driver.setPrice("buyItNowPrice", QStringLiteral("30")));
+    QVERIFY(driver.window.click("finalizeButton"));
+    driver.window.service.expect("CreateAuction", "ERROR: later");
+    QVERIFY(driver.window.click("createAuctionButton"));
+    QVERIFY(driver.waitForHome());
+    QCOMPARE(driver.lastBox(), QStringLiteral("Media uploading failed. Reason: ERROR: later"));
+    QVERIFY(ends ? driver.restart() : driver.reopen());
+
+    const QWidget *button = driver.window.find("takeUpButton");
+    QVERIFY(button && button->height() >= 45);
+    QVERIFY(button->mapTo(driver.wizard, QPoint()).y()
+            >= driver.window.find("photoFrame")->geometry().bottom());
+    QVERIFY(driver.takeUp());
+    QVERIFY(!driver.window.find("takeUpButton"));
+    QCOMPARE(driver.caption(), QStringLiteral("Sunset"));
+    QCOMPARE(driver.description(), QStringLiteral("By the bay"));
+    QVERIFY(driver.preview().height() < driver.previewSize().height());
+    QVERIFY(driver.window.click("doneButton"));
+    QCOMPARE(driver.window.text("categorySelected"), QStringLiteral("Sports>Football"));
+    driver.pick(0);
+    QVERIFY(driver.waitForPrices());
+    QCOMPARE(driver.window.find<QSpinBox>("startPrice")->value(), 10);
+    QCOMPARE(driver.window.find<QSpinBox>("reservePrice")->value(), 20);
+    QCOMPARE(driver.window.find<QSpinBox>("buyItNowPrice")->value(), 30);
+    QVERIFY(driver.window.click("finalizeButton"));
+    driver.window.service.expect("CreateAuction", "42");
+    QVERIFY(driver.window.click("createAuctionButton"));
+    QTRY_VERIFY(driver.window.find("alertLabel"));
+    QCOMPARE(driver.sentPart("LongDescription"), QByteArray("By the bay"));
+    QVERIFY(!driver.sentPart("CaptureDate").isEmpty());
+}
+
+void tst_UploadMediaController::anUploadThatWasLeftIsTakenUp_data()
+{
+    QTest::addColumn<int>("step");
+    QTest::addColumn<bool>("ends");
+    for (const bool ends : {false, true}) {
+        const QByteArray way = ends ? "ended at the " : "cancelled at the ";
+        QTest::newRow(way + "description") << 1 << ends;
+        QTest::newRow(way + "categories") << 2 << ends;
+        QTest::newRow(way + "prices") << 3 << ends;
+        QTest::newRow(way + "confirmation") << 4 << ends;
+        QTest::newRow(way + "upload") << 5 << ends;
+    }
+}
+
+void tst_UploadMediaController::anUploadThatWasLeftIsTakenUp()
+{
+    QFETCH(int, step);
+    QFETCH(bool, ends);
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    bool there = false;
+    if (step == 1)
+        there = driver.describe(QStringLiteral("a caption"));
+    else if (step == 2)
+        there = driver.toCategories();
+    else if (step == 3)
+        there = driver.toPrices();
+    else if (step == 4)
+        there = driver.toConfirmation();
+    else
+        there = driver.toHeldUpload();
+    QVERIFY(there);
+    if (!ends)
+        QVERIFY(driver.window.click("cancelNavigationButton"));
+    QVERIFY(ends ? driver.restart() : driver.reopen());
+
+    QVERIFY(driver.takeUp());
+    QCOMPARE(driver.caption(), QStringLiteral("A caption"));
+    QCOMPARE(driver.description(), QStringLiteral("Description"));
+    QVERIFY(driver.window.click("doneButton"));
+    QCOMPARE(driver.window.text("categorySelected"),
+             step > 2 ? QStringLiteral("Sports>Football") : QStringLiteral("None"));
+}
+
+// Nobody says goodbye to a program that is killed.
+void tst_UploadMediaController::anUploadThatWasStartedSurvivesTheEnd()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toHeldUpload());
+    const QString path = driver.window.folder.filePath(QStringLiteral("upload.draft"));
+    QCOMPARE(QFile::permissions(path) & ~(QFile::ReadUser | QFile::WriteUser),
+             QFile::ReadOwner | QFile::WriteOwner);
+    const std::optional<CAuctionRecord> kept =
+        driver.window.root()->uploadDraft().load(QStringLiteral("m1"));
+    QVERIFY(kept);
+    QCOMPARE(kept->caption, QStringLiteral("A caption"));
+    QCOMPARE(kept->description, QString());
+    QCOMPARE(kept->category, 10);
+    QCOMPARE(kept->startPrice, 10U);
+    QCOMPARE(kept->reservePrice, 20U);
+    QCOMPARE(kept->buyItNowPrice, 30U);
+}
+
+void tst_UploadMediaController::nothingIsLeftToTakeUp_data()
+{
+    QTest::addColumn<QString>("after");
+    QTest::newRow("it succeeded") << QStringLiteral("success");
+    QTest::newRow("another member signed in") << QStringLiteral("other member");
+    QTest::newRow("the file is broken") << QStringLiteral("broken");
+}
+
+void tst_UploadMediaController::nothingIsLeftToTakeUp()
+{
+    QFETCH(QString, after);
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.toHeldUpload());
+    if (after == QLatin1String("success")) {
+        driver.window.service.release();
+        QTRY_VERIFY(driver.window.find("alertLabel"));
+    }
+    QVERIFY(driver.window.click("cancelNavigationButton"));
+    QVERIFY(driver.waitForHome());
+    if (after == QLatin1String("other member")) {
+        const QString other = QStringLiteral("m2");
+        driver.window.service.expect("GetNotificationOptions", "options\n1,0,0,1\n");
+        driver.window.root()->ShowLoginOptions(QString(), QString(), false);
+        driver.window.root()->ShowLoginOptions(other, other, false);
+        driver.window.root()->ShowLoginOptions(QString(), QString(), false);
+        driver.window.root()->ShowLoginOptions(QStringLiteral("m1"), QStringLiteral("secret"),
+                                               false);
+    } else if (after == QLatin1String("broken")) {
+        QVERIFY(!driver.makeFile(QStringLiteral("upload.draft"), "{\"member\": \"m1\"").isEmpty());
+    }
+    QVERIFY(driver.reopen());
+    QVERIFY(!driver.window.find("takeUpButton"));
+}
+
+void tst_UploadMediaController::aPhotoThatIsGoneSaysSo()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.describe(QStringLiteral("a")));
+    QVERIFY(driver.window.click("cancelNavigationButton"));
+    QVERIFY(driver.reopen());
+    const QString photo = driver.window.folder.filePath(QStringLiteral("photo.png"));
+    QVERIFY(QFile::rename(photo, photo + QStringLiteral(".away")));
+    QVERIFY(driver.window.click("takeUpButton"));
+    QCOMPARE(driver.window.dialogs.boxes().size(), 1);
+    QVERIFY(driver.lastBox().contains(photo));
+    QVERIFY(!driver.part<QFrame>("descriptionFrame")->isEnabled());
+    // A card that is put in again brings it back.
+    QVERIFY(QFile::rename(photo + QStringLiteral(".away"), photo));
+    QVERIFY(driver.takeUp());
+}
+
+void tst_UploadMediaController::aPhotoThatCannotBeLoadedLeavesTheDraft()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.describe(QStringLiteral("a")));
+    QVERIFY(driver.window.click("cancelNavigationButton"));
+    QVERIFY(driver.reopen());
+    driver.choose(driver.makeFile(QStringLiteral("broken.jpg")));
+    QVERIFY(driver.window.find("takeUpButton"));
+    // A new one that has begun takes its place.
+    driver.choose(driver.makePhoto(QStringLiteral("b.png"), 40, 30));
+    QVERIFY(!driver.window.find("takeUpButton"));
+    QVERIFY(driver.window.click("cancelNavigationButton"));
+    QVERIFY(driver.reopen());
+    QVERIFY(driver.takeUp());
+    QCOMPARE(driver.caption(), QStringLiteral("Caption"));
+}
+
+void tst_UploadMediaController::anUntouchedFieldOfADraftShowsItsPrompt()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    driver.choose(driver.makePhoto(QStringLiteral("a.png"), 40, 30));
+    QVERIFY(driver.type("textDescription", QStringLiteral("story")));
+    QVERIFY(driver.window.click("cancelNavigationButton"));
+    QVERIFY(driver.reopen());
+    QVERIFY(driver.takeUp());
+    QCOMPARE(driver.caption(), QStringLiteral("Caption"));
+    QVERIFY(driver.type("lineCaption", QStringLiteral("hello")));
+    QCOMPARE(driver.caption(), QStringLiteral("Hello"));
+    QVERIFY(driver.type("textDescription", QString()));
+    QCOMPARE(driver.description(), QStringLiteral("Story"));
 }
 
 // A failure that is told over another message ends the wizard under that message.
