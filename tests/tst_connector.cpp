@@ -5,6 +5,7 @@
 #include "testcase.h"
 #include "testconstants.h"
 #include "testmain.h"
+#include "testpaths.h"
 
 #include <QDBusConnectionInterface>
 #include <QElapsedTimer>
@@ -32,7 +33,7 @@ Outcome runProbe(const QStringList &operations, int lines,
 {
     QProcess probe;
     probe.setProcessEnvironment(environment);
-    probe.start(QStringLiteral(CONNECTOR_PROBE), operations);
+    probe.start(QStringLiteral(KAVLOR_CONNECTOR_PROBE), operations);
     Outcome outcome;
     while (outcome.output.size() < lines && (probe.canReadLine() || probe.waitForReadyRead())) {
         while (probe.canReadLine())

@@ -3,6 +3,7 @@
 #include "qgconfloader.h"
 #include "testcase.h"
 #include "testmain.h"
+#include "testpaths.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -26,7 +27,7 @@ QByteArray probeWithLibraries(const QString &folder)
     QProcess probe;
     probe.setProcessEnvironment(environment);
     probe.setProcessChannelMode(QProcess::MergedChannels);
-    probe.start(QStringLiteral(CONNECTOR_PROBE), {QStringLiteral("gconf")});
+    probe.start(QStringLiteral(KAVLOR_CONNECTOR_PROBE), {QStringLiteral("gconf")});
     probe.closeWriteChannel();
     probe.waitForFinished();
     return probe.readAll();

@@ -9,6 +9,7 @@
 #include "testcase.h"
 #include "testconstants.h"
 #include "testmain.h"
+#include "testpaths.h"
 
 #include <QDir>
 #include <QFile>

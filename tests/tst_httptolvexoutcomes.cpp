@@ -8,6 +8,7 @@
 #include "testcase.h"
 #include "testconstants.h"
 #include "testmain.h"
+#include "testpaths.h"
 
 #include <QBuffer>
 #include <QCursor>

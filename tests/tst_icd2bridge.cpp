@@ -2,6 +2,7 @@
 #include "privatebus.h"
 #include "testcase.h"
 #include "testmain.h"
+#include "testpaths.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -168,14 +169,14 @@ void tst_Icd2Bridge::cleanup()
 // The bridge as it serves the private bus.
 bool tst_Icd2Bridge::start(const QStringList &arguments)
 {
-    m_bridge->start(QStringLiteral(ICD2_BRIDGE), arguments);
+    m_bridge->start(QStringLiteral(KAVLOR_BRIDGE), arguments);
     return m_bridge->waitForStarted() && QTest::qWaitFor([] { return isOwned(daemonName); });
 }
 
 // The bridge as it ends by itself.
 bool tst_Icd2Bridge::run(const QStringList &arguments)
 {
-    m_bridge->start(QStringLiteral(ICD2_BRIDGE), arguments);
+    m_bridge->start(QStringLiteral(KAVLOR_BRIDGE), arguments);
     return m_bridge->waitForFinished() && m_bridge->exitStatus() == QProcess::NormalExit;
 }
 

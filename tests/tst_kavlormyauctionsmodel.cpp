@@ -5,6 +5,7 @@
 #include "processmemory.h"
 #include "testcase.h"
 #include "testmain.h"
+#include "testpaths.h"
 
 #include <QAbstractItemModelTester>
 #include <QFontDatabase>

@@ -1,6 +1,7 @@
 #include "localserviceprocess.h"
 #include "testcase.h"
 #include "testmain.h"
+#include "testpaths.h"
 #include "uploadrequest.h"
 #include "webvisitor.h"
 

@@ -1,5 +1,7 @@
 #include "clientdriver.h"
 
+#include "testpaths.h"
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>

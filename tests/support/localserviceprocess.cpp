@@ -1,5 +1,7 @@
 #include "localserviceprocess.h"
 
+#include "testpaths.h"
+
 #include <QElapsedTimer>
 #include <QProcessEnvironment>
 #include <QRegularExpression>

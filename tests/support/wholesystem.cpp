@@ -1,5 +1,7 @@
 #include "wholesystem.h"
 
+#include "testpaths.h"
+
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDir>
