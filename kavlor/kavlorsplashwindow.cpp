@@ -46,7 +46,8 @@ CKavlorSplashWindow::~CKavlorSplashWindow() = default;
 
 void CKavlorSplashWindow::startRequests()
 {
-    QTimer::singleShot(timeConstants().startUpMinimum, this, &CKavlorSplashWindow::timerExpired);
+    QTimer::singleShot(timeConstants().startUpMinimum, Qt::PreciseTimer, this,
+                       &CKavlorSplashWindow::timerExpired);
     if (password().isEmpty()) {
         enter(FetchingTerms, tr("requesting terms data"));
         m_request->getServiceTerms();

@@ -22,6 +22,7 @@
 #include <QWidget>
 #include <QtEndian>
 
+#include <array>
 #include <memory>
 
 #include <zlib.h>
@@ -159,6 +160,7 @@ private slots:
     void tempFileThatCannotBeReopened();
     void withoutHostTheRequestFails();
 
+    void timeOutIsNotEarly();
     void timeOutAndTheLateReply();
     void cancelledWithATextItComesWithTheLateReply();
     void cancelTwiceIsOneResult();
@@ -535,6 +537,28 @@ void tst_HttpTolvexOutcomes::withoutHostTheRequestFails()
     QCOMPARE(m_log->textAt(0),
              ResultLog::text(QStringLiteral("ERROR:http request failure"),
                              QStringLiteral("Unable to query kavlor server")));
+}
+
+void tst_HttpTolvexOutcomes::timeOutIsNotEarly()
+{
+    // At different times of a second: a time that may be rounded is cut short at some of them.
+    constexpr int count = 20;
+    testTimeConstants().formTimeout = 2000;
+    std::array<QElapsedTimer, count> timers;
+    std::array<std::unique_ptr<CHttpTolvex>, count> requests;
+    QList<qint64> times;
+    for (int i = 0; i < count; ++i) {
+        m_service->expectHeld("ValidateLogin", "1");
+        requests.at(i) = std::make_unique<CHttpTolvex>();
+        connect(requests.at(i).get(), qOverload<QString, QString>(&CHttpTolvex::requestIsFinished),
+                this, [&, i] { times.append(timers.at(i).nsecsElapsed()); });
+        timers.at(i).start();
+        getText(requests.at(i).get());
+        QTest::qWait(15);
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(times.size(), count, 20000);
+    for (const qint64 time : std::as_const(times))
+        QVERIFY2(time >= 2000LL * 1000 * 1000, QByteArray::number(time));
 }
 
 void tst_HttpTolvexOutcomes::timeOutAndTheLateReply()

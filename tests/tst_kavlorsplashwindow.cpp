@@ -22,6 +22,7 @@ private slots:
     void validationReply_data();
     void validationReply();
     void repliesWithinTheMinimumTimeWaitForIt();
+    void theMinimumTimeIsNotCutShort();
     void theTimerFirstWaitsForTheCountriesReply();
     void messagesAccompanyTheRequests_data();
     void messagesAccompanyTheRequests();
@@ -136,6 +137,33 @@ void tst_KavlorSplashWindow::repliesWithinTheMinimumTimeWaitForIt()
     QTRY_VERIFY(window.shown<FrameWelcomeKavlor>());
     QVERIFY(timer.elapsed() >= 1000);
     QTRY_VERIFY(!window.root()->findChild<CKavlorSplashWindow *>());
+}
+
+void tst_KavlorSplashWindow::theMinimumTimeIsNotCutShort()
+{
+    RootWindow window;
+    testTimeConstants().startUpMinimum = 600000;
+    window.service.expectHeld("GetServiceTerms", "terms");
+    window.service.expectHeld("GetServiceTerms", "terms");
+    window.start();
+    QTRY_VERIFY(window.service.isHolding());
+    auto *splash = window.shown<CKavlorSplashWindow>();
+    QElapsedTimer timer;
+    qint64 passed = 0;
+    connect(splash, &CKavlorSplashWindow::GoodExit, this, [&] { passed = timer.nsecsElapsed(); });
+
+    // Shortly after a full second is when a time that may be rounded ends too early.
+    testTimeConstants().startUpMinimum = 2000;
+    const auto millisecond = [] {
+        return QDeadlineTimer::current(Qt::PreciseTimer).deadline() % 1000;
+    };
+    while (millisecond() < 50 || millisecond() > 80)
+        QTest::qWait(5);
+    timer.start();
+    splash->startRequests();
+    QTRY_VERIFY(passed != 0);
+    QVERIFY2(passed >= 2000LL * 1000 * 1000, QByteArray::number(passed));
+    QTRY_COMPARE(window.service.operations().size(), 2);
 }
 
 void tst_KavlorSplashWindow::theTimerFirstWaitsForTheCountriesReply()
