@@ -82,12 +82,37 @@ bool isTransportError(const QNetworkReply &reply)
     }
 }
 
+// What went wrong, for a member. The stack's own words are for developers, or "Unknown error".
 QString errorText(const QNetworkReply &reply)
 {
-    // The stack complains that it cannot send again; what went wrong is the first time.
-    if (reply.error() == QNetworkReply::ContentReSendError)
+    switch (reply.error()) {
+    case QNetworkReply::ConnectionRefusedError:
+        return QHttp::tr("Connection refused");
+    case QNetworkReply::HostNotFoundError:
+        return QHttp::tr("Host %1 not found").arg(reply.url().host());
+    case QNetworkReply::TimeoutError:
+        return QHttp::tr("The service could not be reached in time.");
+    case QNetworkReply::RemoteHostClosedError:
+    case QNetworkReply::UnknownNetworkError: // a reset
+    case QNetworkReply::ContentReSendError:  // it cannot send again; the first time went wrong
         return QHttp::tr("Connection closed");
-    return reply.errorString();
+    case QNetworkReply::SslHandshakeFailedError:
+        return QHttp::tr("The connection to the service is not secure.");
+    case QNetworkReply::ProtocolFailure:
+    case QNetworkReply::ProtocolUnknownError:
+    case QNetworkReply::ProtocolInvalidOperationError:
+        return QHttp::tr("The service sent a reply that cannot be understood.");
+    default:
+        return QHttp::tr("The connection to the service was lost.");
+    }
+}
+
+QString sinkErrorText(const QIODevice &sink)
+{
+    // Of a file little is known but that it took no more.
+    if (qobject_cast<const QFileDevice *>(&sink))
+        return QHttp::tr("The reply could not be stored. The device may be full.");
+    return sink.errorString();
 }
 
 void setAttributes(QNetworkRequest *request)
@@ -137,17 +162,32 @@ int QHttp::request(const QHttpRequestHeader &header, const QByteArray &body, QIO
         return 0;
     leaveCurrent();
 
+    m_currentId = ++m_lastId;
+    m_sink = sink;
+    m_headerRead = false;
+    m_stopReason.clear();
+    QHttpRequestHeader complete = header;
+    complete.setContentLength(body.size());
+    if (complete.isValid()) {
+        send(complete, body);
+    } else {
+        m_stopReason = tr("The request holds characters that cannot be sent.");
+        finishLater();
+    }
+    return m_currentId;
+}
+
+void QHttp::send(const QHttpRequestHeader &header, const QByteArray &body)
+{
     QUrl url;
     url.setScheme(m_mode == ConnectionModeHttps ? QStringLiteral("https") : QStringLiteral("http"));
     url.setHost(m_hostName);
     url.setPort(m_port == 0 ? -1 : m_port);
     url.setPath(header.path(), QUrl::TolerantMode);
 
-    QHttpRequestHeader complete = header;
-    complete.setContentLength(body.size());
     QNetworkRequest request(url);
     setAttributes(&request);
-    for (const auto &[name, value] : complete.fields())
+    for (const auto &[name, value] : header.fields())
         request.setRawHeader(name.toLatin1(), value.toLatin1());
     if (!m_credentials.isEmpty())
         request.setRawHeader("Authorization", m_credentials);
@@ -157,10 +197,6 @@ int QHttp::request(const QHttpRequestHeader &header, const QByteArray &body, QIO
     auto *manager = new QNetworkAccessManager(this);
     auto *device = new OnceOnlyBody(body, manager);
     m_reply = manager->sendCustomRequest(request, header.method().toLatin1(), device);
-    m_currentId = ++m_lastId;
-    m_sink = sink;
-    m_headerRead = false;
-    m_stopReason.clear();
 
     connect(m_reply, &QNetworkReply::metaDataChanged, this, &QHttp::readHeader);
     connect(m_reply, &QNetworkReply::readyRead, this, &QHttp::readBody);
@@ -181,7 +217,6 @@ int QHttp::request(const QHttpRequestHeader &header, const QByteArray &body, QIO
     QMetaObject::invokeMethod(
         m_reply, [reply = m_reply] { reply->setReadBufferSize(readBufferSize); },
         Qt::QueuedConnection);
-    return m_currentId;
 }
 
 QString QHttp::errorString() const
@@ -203,12 +238,12 @@ void QHttp::close()
 // Lets the current request run to its end without being heard.
 void QHttp::leaveCurrent()
 {
+    m_currentId = 0;
     if (!m_reply)
         return;
     QNetworkReply *reply = m_reply;
     QNetworkAccessManager *manager = reply->manager();
     m_reply = nullptr;
-    m_currentId = 0;
     reply->disconnect(this);
     manager->disconnect(this);
     if (reply->isFinished() || !m_stopReason.isEmpty()) {
@@ -236,7 +271,7 @@ void QHttp::readBody()
 {
     const QByteArray bytes = m_reply->readAll();
     if (m_sink && m_sink->write(bytes) != bytes.size())
-        stop(m_sink->errorString());
+        stop(sinkErrorText(*m_sink));
 }
 
 // Breaks off the current request. The end itself comes from the event loop, because this may be
@@ -247,6 +282,11 @@ void QHttp::stop(const QString &reason)
         return;
     m_stopReason = reason;
     m_reply->disconnect(this);
+    finishLater();
+}
+
+void QHttp::finishLater()
+{
     QMetaObject::invokeMethod(
         this, [this, id = m_currentId] { finish(id); }, Qt::QueuedConnection);
 }
@@ -260,13 +300,15 @@ void QHttp::finish(int id)
         readBody();
     auto *file = qobject_cast<QFileDevice *>(m_sink);
     if (m_stopReason.isEmpty() && file && !file->flush())
-        m_stopReason = file->errorString();
+        m_stopReason = sinkErrorText(*file);
 
     const bool error = !m_stopReason.isEmpty() || isTransportError(*m_reply);
     if (error)
         m_errorText = m_stopReason.isEmpty() ? errorText(*m_reply) : m_stopReason;
-    m_reply->manager()->disconnect(this);
-    m_reply->manager()->deleteLater();
+    if (m_reply) {
+        m_reply->manager()->disconnect(this);
+        m_reply->manager()->deleteLater();
+    }
     m_reply = nullptr;
     m_currentId = 0;
     emit done(error);

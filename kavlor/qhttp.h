@@ -17,8 +17,9 @@ class QNetworkReply;
  *
  * Its owner sets the host once and then sends requests. It follows no redirect, keeps no cookies,
  * caches nothing and hands the body on as it came, without decompressing it. The status code
- * never counts as an error. Whatever the server does, a request goes out once: where a connection
- * breaks, the request fails instead of being repeated.
+ * never counts as an error. Fields leave in the order in which they were set, and in their spelling
+ * up to Qt 6.6; later releases send all names in lower case. Whatever the server does, a request
+ * goes out once: where a connection breaks, the request fails instead of being repeated.
  *
  * A request that is made while an earlier one is under way takes its place: the earlier one runs
  * to its end, but nothing more is heard of it.
@@ -42,11 +43,12 @@ public:
     /**
      * Sends @p body under @p header, whose content length it sets, and writes the reply's body to
      * @p sink as it arrives. The sink is not owned; when it is deleted the rest of the body is
-     * dropped. Returns the request's id, or 0 when no host is set; then nothing was sent.
+     * dropped. Returns the request's id, or 0 when no host is set; then nothing was sent. Neither
+     * is a header that is not valid; its request ends with an error.
      */
     int request(const QHttpRequestHeader &header, const QByteArray &body, QIODevice *sink);
 
-    /** What went wrong when done() last reported an error. */
+    /** What went wrong when done() last reported an error, in words for the member. */
     QString errorString() const;
 
 public slots:
@@ -69,6 +71,8 @@ signals:
 
 private:
     void leaveCurrent();
+    void send(const QHttpRequestHeader &header, const QByteArray &body);
+    void finishLater();
     void readHeader();
     void readBody();
     void stop(const QString &reason);

@@ -1,11 +1,20 @@
 #include "qhttpheader.h"
 
+#include <algorithm>
+
 namespace {
 
-QString withoutLineEnds(QString text)
+bool isNameCharacter(QChar c)
 {
-    text.remove(QLatin1Char('\r')).remove(QLatin1Char('\n')).remove(QChar::Null);
-    return text;
+    return (c >= QLatin1Char('0') && c <= QLatin1Char('9'))
+        || (c >= QLatin1Char('a') && c <= QLatin1Char('z'))
+        || (c >= QLatin1Char('A') && c <= QLatin1Char('Z'))
+        || QLatin1String("!#$%&'*+-.^_`|~").contains(c);
+}
+
+bool isValueCharacter(QChar c)
+{
+    return c == QLatin1Char('\t') || (c >= QLatin1Char(' ') && c != QLatin1Char('\x7f'));
 }
 
 } // namespace
@@ -21,14 +30,22 @@ const QHttpHeader::Fields &QHttpHeader::fields() const
     return m_fields;
 }
 
+bool QHttpHeader::isValid() const
+{
+    return std::all_of(m_fields.cbegin(), m_fields.cend(), [](const auto &field) {
+        const auto &[name, value] = field;
+        return !name.isEmpty() && std::all_of(name.cbegin(), name.cend(), isNameCharacter)
+            && std::all_of(value.cbegin(), value.cend(), isValueCharacter);
+    });
+}
+
 void QHttpHeader::setValue(const QString &name, const QString &value)
 {
-    const QString cleanName = withoutLineEnds(name);
-    const qsizetype index = indexOf(cleanName);
+    const qsizetype index = indexOf(name);
     if (index < 0)
-        m_fields.append({cleanName, withoutLineEnds(value)});
+        m_fields.append({name, value});
     else
-        m_fields[index].second = withoutLineEnds(value);
+        m_fields[index].second = value;
 }
 
 void QHttpHeader::setContentLength(qint64 length)

@@ -8,8 +8,7 @@
  * The fields of an HTTP header, in order.
  *
  * A plain value. Names keep the spelling they were set with and are compared without regard to
- * case. Line ends and NULs are taken out of names and values, so that a value can never turn into
- * a field of its own.
+ * case. Any text can be set; isValid() tells whether it can be sent.
  */
 class QHttpHeader
 {
@@ -19,6 +18,8 @@ public:
     /** The value of the field @p name; empty when there is none. */
     QString value(const QString &name) const;
     const Fields &fields() const;
+    /** Whether all names are words as HTTP knows them, and no value holds a control character. */
+    bool isValid() const;
 
     /** Gives the field @p name this value, in its place when it has one, else at the end. */
     void setValue(const QString &name, const QString &value);

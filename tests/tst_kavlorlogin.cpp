@@ -1,3 +1,4 @@
+#include "endlessservice.h"
 #include "framewelcomekavlor.h"
 #include "kavlorknownuser.h"
 #include "kavlorlogin.h"
@@ -38,6 +39,7 @@ private slots:
     void textsAreSentAsTyped();
     void cancelLeavesToTheWelcomeFrame();
     void cancelWhileTheRequestRuns();
+    void endlessReplyStopsWithTheFrame();
     void passwordPageIsTheServices();
     void barShowsTheLoginText();
     void fontsAndTheColourOfTheError();
@@ -307,6 +309,23 @@ void tst_KavlorLogin::cancelWhileTheRequestRuns()
     QVERIFY(m_window->click("loginButton"));
     QTRY_VERIFY(!m_window->text("labelError").isEmpty());
     QVERIFY(!m_window->shown<KavlorKnownUser>());
+}
+
+void tst_KavlorLogin::endlessReplyStopsWithTheFrame()
+{
+    EndlessService service;
+    setServiceHost(service.host());
+    QVERIFY(m_window->click("cancelNavigationButton"));
+    QTRY_VERIFY(m_window->shown<FrameWelcomeKavlor>());
+    QVERIFY(m_window->click("loginButton"));
+    QTRY_VERIFY(m_window->shown<KavlorLogin>());
+    testTimeConstants().formTimeout = 100;
+    QVERIFY(typeLogin());
+    QVERIFY(m_window->click("loginButton"));
+    QTRY_COMPARE(m_window->dialogs.boxes().size(), 1);
+    QTRY_VERIFY(service.written() > 1024LL * 1024); // it goes on after the time-out
+    QVERIFY(m_window->click("cancelNavigationButton"));
+    QTRY_VERIFY(service.isLeft());
 }
 
 void tst_KavlorLogin::passwordPageIsTheServices()

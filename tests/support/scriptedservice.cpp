@@ -2,7 +2,9 @@
 
 #include "testconstants.h"
 
+#include <QLibraryInfo>
 #include <QTcpSocket>
+#include <QVersionNumber>
 
 #include <utility>
 
@@ -54,6 +56,20 @@ QByteArray ScriptedService::Request::header(const QByteArray &name) const
             return line.mid(colon + 1).trimmed();
     }
     return {};
+}
+
+QByteArray ScriptedService::asSent(const QByteArray &request)
+{
+    if (QLibraryInfo::version() < QVersionNumber(6, 7))
+        return request;
+    const qsizetype end = request.indexOf(headerEnd());
+    QByteArrayList lines = QByteArray(request.left(end)).replace("\r\n", "\n").split('\n');
+    for (QByteArray &line : lines) {
+        const qsizetype colon = line.indexOf(':');
+        if (colon > 0)
+            line = line.left(colon).toLower() + line.mid(colon);
+    }
+    return lines.join("\r\n") + (end < 0 ? QByteArray() : request.mid(end));
 }
 
 QByteArray ScriptedService::Request::operation() const
