@@ -435,29 +435,34 @@ void tst_AccountFlow::backFromAChildRestoresTheTitle_data()
 {
     QTest::addColumn<QByteArray>("button");
     QTest::addColumn<QString>("title");
-    QTest::newRow("account") << QByteArray("pushButtonMyAccount") << "My Account";
-    QTest::newRow("alerts") << QByteArray("pushButtonNotifications") << "Notification Options";
+    QTest::addColumn<QString>("icon");
+    QTest::newRow("account") << QByteArray("pushButtonMyAccount") << "My Account"
+                             << ":/MyAccountIcon.png";
+    QTest::newRow("alerts") << QByteArray("pushButtonNotifications") << "Notification Options"
+                            << ":/NotificationIcon.png";
 }
 
 void tst_AccountFlow::backFromAChildRestoresTheTitle()
 {
     QFETCH(QByteArray, button);
     QFETCH(QString, title);
+    QFETCH(QString, icon);
     RootWindow window;
     QVERIFY(openSettings(window));
-    const auto icon = [&window] {
+    const auto shownIcon = [&window] {
         return window.find<QLabel>("labelNavigationIcon")->pixmap(Qt::ReturnByValue).toImage();
     };
-    const QImage menuIcon = icon();
+    const QImage menuIcon = shownIcon();
     QVERIFY(window.click(button));
     QCOMPARE(window.title(), title);
-    QVERIFY(icon() != menuIcon);
+    const int height = qRound(64 * window.root()->devicePixelRatioF());
+    QCOMPARE(shownIcon(), QPixmap(icon).scaledToHeight(height, Qt::SmoothTransformation).toImage());
     QVERIFY(!window.shown<CKavlorSettings>());
 
     QVERIFY(window.click("backNavigationButton"));
     QVERIFY(window.shown<CKavlorSettings>());
     QCOMPARE(window.title(), QStringLiteral("Settings"));
-    QCOMPARE(icon(), menuIcon);
+    QCOMPARE(shownIcon(), menuIcon);
     QVERIFY(!window.shown<CModifyAccountController>());
     QVERIFY(!window.shown<CNotificationsController>());
     QVERIFY(window.click("backNavigationButton"));
