@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QObject>
+#include <QPointer>
 #include <QVariant>
 #include <functional>
 
@@ -73,8 +74,8 @@ private:
     void whenAnswered(const QDBusPendingCall &call, const Answered &answered);
     void openChooser(int attempts);
 
-    QDBusAbstractInterface *m_daemon = nullptr;
-    QDBusAbstractInterface *m_dialog = nullptr;
+    QPointer<QDBusAbstractInterface> m_daemon;
+    QPointer<QDBusAbstractInterface> m_dialog;
     quint32 m_state = 0;
     bool m_firstReport = true;
     bool m_stateAnswered = false;

@@ -7,6 +7,7 @@
 #include "testmain.h"
 #include "testpaths.h"
 
+#include <QDBusAbstractInterface>
 #include <QDBusConnectionInterface>
 #include <QElapsedTimer>
 #include <QProcess>
@@ -90,6 +91,7 @@ private slots:
     void withoutGConfTheSettingIsNotConsulted();
     void daemonMayComeLaterAndGoAndComeBack();
     void withoutADaemonCallsFailSilently();
+    void withoutItsInterfacesEachOperationSaysSo();
     void silentDaemonIsNotWaitedFor();
     void worksBeforeTheApplicationObject();
     void withoutAnyBusNothingHappens();
@@ -556,6 +558,27 @@ void tst_Connector::withoutADaemonCallsFailSilently()
     QTRY_VERIFY(m_connector->isStateKnown()); // that much was answered by the bus
     QVERIFY(!m_connector->isConnected());
     QCOMPARE(changes.size(), 0);
+    QCOMPARE(m_daemon->members(), QStringList());
+}
+
+void tst_Connector::withoutItsInterfacesEachOperationSaysSo()
+{
+    make();
+    qDeleteAll(m_connector->findChildren<QDBusAbstractInterface *>());
+    for (const char *line :
+         {"CConnector::requestConnectionState: no interface",
+          "CConnector::selectConnection: no interface", "CConnector::connect: no interface",
+          "CConnector::smartConnect: no interface", "CConnector::disconnect: no interface"})
+        QTest::ignoreMessage(QtDebugMsg, line);
+    m_connector->requestConnectionState();
+    m_connector->selectConnection();
+    m_connector->connect();
+    m_connector->smartConnect();
+    m_connector->disconnect();
+
+    // It still hears what the daemon reports, which comes after any call that had been sent.
+    m_daemon->reportState(2);
+    QTRY_VERIFY(m_connector->isConnected());
     QCOMPARE(m_daemon->members(), QStringList());
 }
 

@@ -9,6 +9,7 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QWindow>
 
 /**
  * What a screen reader finds in the tables whose cells are painted.
@@ -23,6 +24,8 @@ private slots:
     void auctionsAreRead();
     void categoriesAreRead();
     void cellsOfALevelThatIsLeftAreReplaced();
+    void cellsAreLeavesOfTheirTable();
+    void stateOfACell();
     void headersLeadToNothing();
     void otherTablesKeepTheirOwnAccess();
 
@@ -118,6 +121,68 @@ void tst_PaintedTableAccess::cellsOfALevelThatIsLeftAreReplaced()
     QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(sports).center());
     QCOMPARE(nameOf(table, 0, 1), QStringLiteral("Football"));
     QCOMPARE(nameOf(table, 0, 0), QStringLiteral("One level up"));
+}
+
+void tst_PaintedTableAccess::cellsAreLeavesOfTheirTable()
+{
+    RootWindow window;
+    QTableView *table = openCategories(&window);
+    QVERIFY(table);
+    QAccessibleInterface *cell = access(table)->child(6); // the name of the first
+    QVERIFY(cell);
+    QVERIFY(cell->isValid());
+    QCOMPARE(cell->parent(), access(table));
+    QCOMPARE(cell->window(), window.root()->windowHandle());
+    QCOMPARE(cell->object(), nullptr);
+    QCOMPARE(cell->childCount(), 0);
+    QCOMPARE(cell->child(0), nullptr);
+    QCOMPARE(cell->childAt(cell->rect().center().x(), cell->rect().center().y()), nullptr);
+    QCOMPARE(cell->indexOfChild(access(table)), -1);
+    QCOMPARE(access(table)->indexOfChild(access(table)), -1);
+
+    // It is read, not written.
+    const QString name = cell->text(QAccessible::Name);
+    QVERIFY(!name.isEmpty());
+    cell->setText(QAccessible::Name, QStringLiteral("else"));
+    QCOMPARE(cell->text(QAccessible::Name), name);
+    QCOMPARE(cell->text(QAccessible::Description), QString());
+}
+
+void tst_PaintedTableAccess::stateOfACell()
+{
+    RootWindow window;
+    QVERIFY(window.startAtHome());
+    QByteArray list = "header\n";
+    for (int auction = 1; auction <= 30; ++auction)
+        list += QByteArray::number(auction) + ",Fog,1,40,95,0,11/30/2026 12:00,0,12,3,40\n";
+    window.service.expect("GetMyAuctions", list);
+    window.service.expectHeld("GetThumbnail", QByteArray());
+    QVERIFY(window.click("buttonMyKavlor"));
+    QTRY_VERIFY(window.find<QTableView>("myAuctionsTable"));
+    auto *table = window.find<QTableView>("myAuctionsTable");
+    QTRY_VERIFY(window.service.isHolding());
+    const auto state = [table](int row) {
+        return access(table)->child((row + 1) * 3 + 2)->state();
+    };
+
+    window.root()->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window.root()));
+    table->setFocus();
+    table->setCurrentIndex(table->model()->index(1, 1));
+    QVERIFY(state(1).focusable);
+    QVERIFY(state(1).selectable);
+    QVERIFY(state(1).focused);
+    QVERIFY(state(1).selected);
+    QVERIFY(!state(1).offscreen);
+    QVERIFY(!state(0).focused);
+    QVERIFY(!state(0).selected);
+    QVERIFY(state(29).offscreen);
+
+    table->scrollToBottom();
+    QVERIFY(!state(29).offscreen);
+    QVERIFY(state(1).offscreen);
+    table->clearFocus();
+    QVERIFY(!state(1).focused);
 }
 
 void tst_PaintedTableAccess::headersLeadToNothing()
