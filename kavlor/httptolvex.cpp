@@ -423,7 +423,7 @@ QHttpRequestHeader CHttpTolvex::requestHeader(const QString &path) const
     const QString host = url.authority(QUrl::FullyEncoded).section(QLatin1Char('@'), -1);
     QHttpRequestHeader header(QStringLiteral("POST"), path);
     header.setValue(QStringLiteral("User-Agent"),
-                    QStringLiteral("Nokia N900, kavlor application 0.1.6"));
+                    QStringLiteral("Nokia N900, kavlor application " KAVLOR_VERSION));
     header.setValue(QStringLiteral("Host"), host);
     header.setValue(QStringLiteral("Connection"), QStringLiteral("Keep-Alive"));
     header.setValue(QStringLiteral("Cache-Control"), QStringLiteral("no-cache"));

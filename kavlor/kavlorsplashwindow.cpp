@@ -37,7 +37,7 @@ CKavlorSplashWindow::CKavlorSplashWindow(RootViewController *root, const QString
             &CKavlorSplashWindow::requestDone);
     connect(this, &CKavlorSplashWindow::GoodExit, this, &CKavlorSplashWindow::runOnGoodExit);
 
-    m_ui->version->setText(tr("kavlor 0.1.6 beta"));
+    m_ui->version->setText(tr("kavlor %1 beta").arg(QStringLiteral(KAVLOR_VERSION)));
     m_user.load(lastUserName);
     m_root->show();
 }

@@ -32,6 +32,7 @@ bool isOk(const QJsonObject &answer)
 ClientDriver::ClientDriver(QObject *parent)
     : QObject(parent)
     , m_home(m_ownHome.path())
+    , m_program(QStringLiteral(KAVLOR_CLIENT))
     , m_environment(QProcessEnvironment::systemEnvironment())
 {
     // Abstract: a path inside the temporary folder may be too long for a socket.
@@ -52,6 +53,11 @@ void ClientDriver::setEnvironment(const QString &name, const QString &value)
 void ClientDriver::setHome(const QString &folder)
 {
     m_home = folder;
+}
+
+void ClientDriver::setProgram(const QString &path)
+{
+    m_program = path;
 }
 
 QString ClientDriver::home() const
@@ -77,7 +83,7 @@ bool ClientDriver::start()
     environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(KAVLOR_DRIVER_PLUGINS));
     environment.insert(QStringLiteral("KAVLOR_DRIVER_SOCKET"), m_server.fullServerName());
     m_process.setProcessEnvironment(environment);
-    m_process.start(QStringLiteral(KAVLOR_CLIENT), QStringList());
+    m_process.start(m_program, QStringList());
     if (!m_process.waitForStarted() || !m_server.waitForNewConnection(patience)) {
         m_error = QStringLiteral("the client did not start: ") + QString::fromLocal8Bit(output());
         return false;

@@ -29,6 +29,8 @@ public:
     void setEnvironment(const QString &name, const QString &value);
     /** The home folder of the program; unless set, a temporary one that outlives a restart. */
     void setHome(const QString &folder);
+    /** The program to start; unless set, the client as it was built. */
+    void setProgram(const QString &path);
     QString home() const;
 
     bool start();
@@ -76,6 +78,7 @@ private:
 
     QTemporaryDir m_ownHome;
     QString m_home;
+    QString m_program;
     QProcessEnvironment m_environment;
     QProcess m_process;
     QLocalServer m_server;
