@@ -4,9 +4,9 @@
 
 #include <QColor>
 #include <QFont>
-#include <QFontMetrics>
 #include <QImage>
 #include <QPainter>
+#include <QPainterPath>
 #include <QTextLayout>
 #include <QtMath>
 
@@ -76,17 +76,20 @@ QString shownTitle(const QString &title)
 }
 
 // How far the text would stand out above the picture, in pixels.
-int overhang(const QFont &font, const QString &text, QPaintDevice *picture)
+int overhang(const QFont &font, const QString &text)
 {
-    QTextLayout layout(text, font, picture);
+    QTextLayout layout(text, font);
     layout.beginLayout();
     const QTextLine line = layout.createLine();
     layout.endLayout();
     if (!line.isValid())
         return 0;
     const qreal baseline = titleBox.center().y() - line.height() / 2 + line.ascent();
-    const int top = QFontMetrics(font, picture).tightBoundingRect(text).top();
-    return qMax(0, -qFloor(baseline + top));
+    // Its outlines, since the metrics of a font leave marks above marks out. On the screen they are
+    // rounded, by a pixel at most.
+    QPainterPath outlines;
+    outlines.addText(0, baseline, font, text);
+    return qMax(0, 1 - qFloor(outlines.boundingRect().top()));
 }
 
 void paintTitle(QPainter *painter, const QString &title)
@@ -95,7 +98,7 @@ void paintTitle(QPainter *painter, const QString &title)
     painter->setFont(font);
     painter->setPen(resources().titleColor);
     // A high accent would be cut off where the picture ends.
-    const QRect box = titleBox.translated(0, overhang(font, title, painter->device()));
+    const QRect box = titleBox.translated(0, overhang(font, title));
     painter->drawText(box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
                       title);
 }

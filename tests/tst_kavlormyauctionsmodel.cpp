@@ -605,6 +605,10 @@ void tst_KavlorMyAuctionsModel::titlesKeepTheirAccentsAndTails_data()
     QTest::newRow("tails") << QStringLiteral("gjpqy");
     QTest::newRow("an accent on a capital") << QStringLiteral(u"\u00C5");
     QTest::newRow("two accents and a tail") << QStringLiteral(u"\u1EA4\u1E68g");
+    QTest::newRow("marks above marks") << QStringLiteral(u"A\u0302\u0302\u0302");
+    QTest::newRow("dots above dots") << QStringLiteral(u"x\u0307\u0307\u0307\u0307");
+    QTest::newRow("two accents above a tall letter") << QStringLiteral(u"d\u0302\u0301\u0302");
+    QTest::newRow("Arabic vowels") << QStringLiteral(u"\u0644\u0651\u064E");
     QTest::newRow("neither") << QStringLiteral("xom");
 }
 
