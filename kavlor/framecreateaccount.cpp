@@ -5,10 +5,13 @@
 #include "httptolvex.h"
 #include "kavloruser.h"
 #include "messagebox.h"
+#include "offlinedocument.h"
+#include "plaintooltip.h"
 #include "rootviewcontroller.h"
 #include "timeconstants.h"
 #include "ui_framecreateaccount.h"
 
+#include <QPlainTextDocumentLayout>
 #include <QRegularExpression>
 
 namespace {
@@ -36,8 +39,9 @@ FrameCreateAccount::FrameCreateAccount(QSettings *settings, CKavlorUser *user, Q
 {
     m_ui->setupUi(this);
     new ContentColumn(this, QSize(1040, 560));
+    setUpTerms();
     m_ui->termsEdit->setFont(QFont(QStringLiteral("LargeSystemFont"), termsPointSize));
-    new FingerScroll(m_ui->termsEdit, FingerScroll::Text);
+    new PlainToolTip(m_ui->tabWidget);
     m_ui->errorLabelText->clear();
 
     for (QLineEdit *line :
@@ -60,6 +64,15 @@ FrameCreateAccount::FrameCreateAccount(QSettings *settings, CKavlorUser *user, Q
 
 FrameCreateAccount::~FrameCreateAccount() = default;
 
+void FrameCreateAccount::setUpTerms()
+{
+    auto *document = new OfflineDocument(m_ui->termsEdit);
+    document->setDocumentLayout(new QPlainTextDocumentLayout(document));
+    document->setPlainText(m_ui->termsEdit->toPlainText());
+    m_ui->termsEdit->setDocument(document);
+    new FingerScroll(m_ui->termsEdit, FingerScroll::Text);
+}
+
 void FrameCreateAccount::fetchTerms()
 {
     m_requestKind = TermsRequested;
@@ -69,7 +82,10 @@ void FrameCreateAccount::fetchTerms()
 void FrameCreateAccount::showTerms()
 {
     m_ui->termsEdit->clear();
-    m_ui->termsEdit->appendHtml(withReadableSize(m_termsText));
+    if (OfflineDocument::isModest(m_termsText))
+        m_ui->termsEdit->appendHtml(withReadableSize(m_termsText));
+    else
+        m_ui->termsEdit->setPlainText(OfflineDocument::withShortLines(m_termsText));
     QTextCursor cursor = m_ui->termsEdit->textCursor();
     cursor.movePosition(QTextCursor::Start);
     m_ui->termsEdit->setTextCursor(cursor);

@@ -46,6 +46,7 @@ private:
         AccountRequested = 3
     };
 
+    void setUpTerms();
     void fetchTerms();
     void showTerms();
     void takeFormOver();

@@ -3,6 +3,7 @@
 #include "auctionrecord.h"
 #include "fingerscroll.h"
 #include "kavlorcategorystore.h"
+#include "offlinedocument.h"
 #include "ui_kavlorauctionconfirm.h"
 
 #include <QEvent>
@@ -22,9 +23,11 @@ CKavlorAuctionConfirm::CKavlorAuctionConfirm(const CAuctionRecord *record, QWidg
     , m_ui(std::make_unique<Ui::CKavlorAuctionConfirm>())
 {
     m_ui->setupUi(this);
-    m_ui->auctionOverallInfo->document()->setDefaultStyleSheet(
-        QStringLiteral("th,td{color: #697278;font-weight: 20px;}"));
-    m_ui->auctionOverallInfo->setHtml(summary());
+    // A photo may be named like markup, which must not load anything either.
+    auto *document = new OfflineDocument(m_ui->auctionOverallInfo);
+    document->setDefaultStyleSheet(QStringLiteral("th,td{color: #697278;font-weight: 20px;}"));
+    document->setHtml(summary());
+    m_ui->auctionOverallInfo->setDocument(document);
     new FingerScroll(m_ui->auctionOverallInfo, FingerScroll::Text);
     m_ui->createAuctionButton->installEventFilter(this);
     connect(m_ui->createAuctionButton, &QPushButton::clicked, this,
