@@ -62,14 +62,16 @@ QByteArray ScriptedService::asSent(const QByteArray &request)
 {
     if (QLibraryInfo::version() < QVersionNumber(6, 7))
         return request;
-    const qsizetype end = request.indexOf(headerEnd());
-    QByteArrayList lines = QByteArray(request.left(end)).replace("\r\n", "\n").split('\n');
+    // One line alone is taken for one, too.
+    const qsizetype found = request.indexOf(headerEnd());
+    const qsizetype end = found < 0 ? request.size() : found;
+    QByteArrayList lines = request.left(end).replace("\r\n", "\n").split('\n');
     for (QByteArray &line : lines) {
         const qsizetype colon = line.indexOf(':');
         if (colon > 0)
             line = line.left(colon).toLower() + line.mid(colon);
     }
-    return lines.join("\r\n") + (end < 0 ? QByteArray() : request.mid(end));
+    return lines.join("\r\n") + request.mid(end);
 }
 
 QByteArray ScriptedService::Request::operation() const
