@@ -109,7 +109,8 @@ Result<bool> Accounts::isRemembered(const QString &username, const QString &pass
     return m_remembered.isKnown(found.value().hash, password);
 }
 
-Result<qint64> Accounts::login(const QString &username, const QString &password)
+Result<qint64> Accounts::login(const QString &username, const QString &password,
+                               const QByteArray &address)
 {
     const Result<Stored> found = stored(username);
     if (!found.isOk())
@@ -124,8 +125,11 @@ Result<qint64> Accounts::login(const QString &username, const QString &password)
     const Result<bool> isRight = isPassword(hash, password);
     if (!isRight.isOk())
         return isRight.failure();
-    if (!isRight.value())
-        return 0;
+    if (!isRight.value()) {
+        return Failure{QStringLiteral("wrong user name or password"), Failure::Stranger,
+                       m_brake.wrong(username, address)};
+    }
+    m_brake.right(username, address);
     m_remembered.remember(hash, password);
     return member;
 }
@@ -161,14 +165,12 @@ Result<qint64> Accounts::create(const FormBody &form)
     return stored.isOk() ? Result<qint64>(member) : stored.failure();
 }
 
-Result<qint64> Accounts::modify(const FormBody &form)
+Result<qint64> Accounts::modify(const FormBody &form, const QByteArray &address)
 {
-    const Result<qint64> member =
-        login(form.text(QStringLiteral("Username")), form.text(QStringLiteral("Password")));
+    const Result<qint64> member = login(form.text(QStringLiteral("Username")),
+                                        form.text(QStringLiteral("Password")), address);
     if (!member.isOk())
         return member;
-    if (member.value() == 0)
-        return refused(QStringLiteral("wrong user name or password"));
     const Result<void> checked = checkAccount(form);
     if (!checked.isOk())
         return checked.failure();

@@ -2,6 +2,7 @@
 
 #include "database.h"
 #include "formbody.h"
+#include "loginbrake.h"
 #include "loginmemory.h"
 #include "result.h"
 
@@ -28,18 +29,19 @@ public:
     explicit Accounts(Database &database);
 
     /**
-     * The member whose user name and password these are; 0 = they are nobody's. What was found
-     * right is remembered for some minutes and then answered at once.
+     * The member whose user name and password these are, or a failure of the kind Stranger, which
+     * is held back when there have been many from @p address. What was found right is remembered
+     * for some minutes and then answered at once.
      */
-    Result<qint64> login(const QString &username, const QString &password);
-
+    Result<qint64> login(const QString &username, const QString &password,
+                         const QByteArray &address);
     /** Whether login() would say yes at once. */
     Result<bool> isRemembered(const QString &username, const QString &password);
 
     /** A new member from the fields of an account form; the member's number. */
     Result<qint64> create(const FormBody &form);
     /** New e-mail, payment address and password for the member who logs in with the form. */
-    Result<qint64> modify(const FormBody &form);
+    Result<qint64> modify(const FormBody &form, const QByteArray &address);
 
     Result<AlertOptions> alertOptions(qint64 member);
     Result<void> setAlertOptions(qint64 member, const AlertOptions &options);
@@ -66,5 +68,6 @@ private:
 
     Database &m_database;
     LoginMemory m_remembered;
+    LoginBrake m_brake;
     std::mutex m_checking; // one password at a time
 };

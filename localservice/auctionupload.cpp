@@ -19,10 +19,12 @@ qint64 optionalPrice(const FormBody &form, const QString &name, qint64 meaningNo
 } // namespace
 
 AuctionUpload::AuctionUpload(Accounts &accounts, Auctions &auctions, const DataFolder &folder,
-                             const QByteArray &contentType, qint64 maxMediaBytes)
+                             const QByteArray &contentType, const QByteArray &address,
+                             qint64 maxMediaBytes)
     : m_accounts(accounts)
     , m_auctions(auctions)
     , m_folder(folder)
+    , m_address(address)
     , m_media(folder.newIncoming())
     , m_reader(MultipartReader::boundaryOf(contentType), maxMediaBytes,
                [this](const QByteArray &bytes) {
@@ -56,11 +58,9 @@ Result<qint64> AuctionUpload::store()
     Auctions::NewAuction created = auction();
     const Result<qint64> member =
         m_accounts.login(m_reader.fields().text(QStringLiteral("Username")),
-                         m_reader.fields().text(QStringLiteral("Password")));
+                         m_reader.fields().text(QStringLiteral("Password")), m_address);
     if (!member.isOk())
         return member;
-    if (member.value() == 0)
-        return refused(QStringLiteral("wrong user name or password"));
     created.member = member.value();
 
     const Result<QString> media = m_folder.publish(*m_media, mediaExtension(m_reader.mediaName()));

@@ -21,7 +21,7 @@ class AuctionUpload
 {
 public:
     AuctionUpload(Accounts &accounts, Auctions &auctions, const DataFolder &folder,
-                  const QByteArray &contentType, qint64 maxMediaBytes);
+                  const QByteArray &contentType, const QByteArray &address, qint64 maxMediaBytes);
 
     void feed(const QByteArray &bytes);
     /** How much of it is in memory; the media never is. */
@@ -37,6 +37,7 @@ private:
     Accounts &m_accounts;
     Auctions &m_auctions;
     const DataFolder &m_folder;
+    QByteArray m_address; // who sends it
     std::unique_ptr<QTemporaryFile> m_media;
     MultipartReader m_reader;
 };

@@ -13,6 +13,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstring>
 #include <thread>
 
 namespace {
@@ -66,6 +67,18 @@ QByteArray header(MHD_Connection *connection, const char *name)
     return search.values.join(", ");
 }
 
+// Who asks, without the port.
+QByteArray address(MHD_Connection *connection)
+{
+    const MHD_ConnectionInfo *const info =
+        MHD_get_connection_info(connection, MHD_CONNECTION_INFO_CLIENT_ADDRESS);
+    if (!info || info->client_addr->sa_family != AF_INET)
+        return {};
+    sockaddr_in client = {};
+    memcpy(&client, info->client_addr, sizeof(client));
+    return QByteArray::number(ntohl(client.sin_addr.s_addr), 16);
+}
+
 FormBody query(MHD_Connection *connection)
 {
     FormBody fields;
@@ -107,7 +120,7 @@ public:
         } else if (isUpload()) {
             m_upload = std::make_unique<AuctionUpload>(
                 m_service.m_accounts, m_service.m_auctions, m_service.m_folder,
-                header(connection, "Content-Type"), m_service.m_maxMediaBytes);
+                header(connection, "Content-Type"), address(connection), m_service.m_maxMediaBytes);
         }
     }
     ~Exchange()
@@ -219,7 +232,10 @@ private:
         if (m_service.m_isEnding)
             refuse(busy());
         answer();
-        MHD_resume_connection(m_connection);
+        if (m_delay.count() > 0)
+            m_service.m_reading->run([this] { MHD_resume_connection(m_connection); }, m_delay);
+        else
+            MHD_resume_connection(m_connection);
     }
 
     void answer()
@@ -239,10 +255,11 @@ private:
         else if (m_upload)
             reply = m_upload->finish();
         else
-            reply = m_service.m_operations.answer(m_operation, m_form);
+            reply = m_service.m_operations.answer(m_operation, m_form, address(m_connection));
         m_answer.type = reply.type;
         m_answer.body = reply.body;
         m_answer.file = reply.file;
+        m_delay = reply.delay;
     }
 
     void answerPage()
@@ -283,6 +300,7 @@ private:
     std::optional<Failure> m_refusal;
 
     WebSite::Reply m_answer;
+    std::chrono::milliseconds m_delay{};
     bool m_isAnswered = false;
 };
 
@@ -438,7 +456,8 @@ bool HttpService::stop()
     const Workers::Clock::time_point deadline = Workers::Clock::now() + endPatience;
     const int listener = MHD_quiesce_daemon(m_daemon);
     m_isEnding = true;
-    for (Workers *workers : {m_reading.get(), m_changing.get(), m_picturing.get()}) {
+    // Answers that are held back go through those who read.
+    for (Workers *workers : {m_changing.get(), m_picturing.get(), m_reading.get()}) {
         if (!workers->end(deadline))
             return false;
     }

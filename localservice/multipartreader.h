@@ -10,6 +10,11 @@
 /**
  * Reads a multipart/form-data body while it arrives, its parts in any order.
  *
+ * The HTTP library has a reader of its own, and takes what members' devices send. But it keeps the
+ * length to itself that a part announces, so that media which a device cut short would be put on
+ * auction, and it finds nothing wrong with a body that never holds its boundary. Both are refused
+ * here, with the reason.
+ *
  * Text parts are kept as Latin-1 fields. The bytes of the one media part go to the sink as they
  * come and are never held here. The first thing found wrong ends the reading; what follows is
  * passed over, and error() says what it was.

@@ -51,14 +51,14 @@ Operations::Operations(Accounts &accounts, Auctions &auctions, Pictures &picture
 
 Operations::Reply Operations::refusal(const Failure &failure)
 {
-    return {"ERROR: " + failure.reason.toUtf8(), "text/plain", {}};
+    return {"ERROR: " + failure.reason.toUtf8(), "text/plain", {}, failure.delay};
 }
 
 Operations::Reply Operations::number(const Result<qint64> &number)
 {
     if (!number.isOk())
         return refusal(number.failure());
-    return {QByteArray::number(number.value()), "text/plain", {}};
+    return {QByteArray::number(number.value()), "text/plain", {}, {}};
 }
 
 QByteArray Operations::item(const QString &text)
@@ -71,18 +71,19 @@ QByteArray Operations::item(const QString &text)
     return line.trimmed().toUtf8();
 }
 
-Operations::Reply Operations::answer(const QString &operation, const FormBody &form)
+Operations::Reply Operations::answer(const QString &operation, const FormBody &form,
+                                     const QByteArray &address)
 {
     if (operation == QLatin1String("GetServiceTerms"))
-        return {serviceTerms(), "text/plain", {}};
+        return {serviceTerms(), "text/plain", {}, {}};
     if (operation == QLatin1String("GetCountryList"))
-        return {countryList(), "text/plain", {}};
+        return {countryList(), "text/plain", {}, {}};
     if (operation == QLatin1String("ValidateLogin"))
-        return validateLogin(form);
+        return validateLogin(form, address);
     if (operation == QLatin1String("CreateAccount"))
         return createAccount(form);
     if (operation == QLatin1String("ModifyAccount"))
-        return modifyAccount(form);
+        return modifyAccount(form, address);
 
     static const QHash<QString, Member> forMembers{
         {QStringLiteral("GetCategoryList"), &Operations::categories},
@@ -96,12 +97,9 @@ Operations::Reply Operations::answer(const QString &operation, const FormBody &f
     const Member forMember = forMembers.value(operation);
     if (!forMember)
         return refusal(refused(QStringLiteral("there is no such operation")));
-    const Result<qint64> member = m_accounts.login(form.text(QStringLiteral("Username")),
-                                                   form.text(QStringLiteral("Password")));
+    const Result<qint64> member = login(form, address);
     if (!member.isOk())
         return refusal(member.failure());
-    if (member.value() == 0)
-        return refusal(refused(QStringLiteral("wrong user name or password")));
     return (this->*forMember)(member.value(), form);
 }
 
@@ -126,13 +124,21 @@ Result<Effort> Operations::effort(const QString &operation, const FormBody &form
     return isRemembered.value() ? Effort::Reading : Effort::Changing;
 }
 
-Operations::Reply Operations::validateLogin(const FormBody &form)
+Result<qint64> Operations::login(const FormBody &form, const QByteArray &address)
 {
-    const Result<qint64> member = m_accounts.login(form.text(QStringLiteral("Username")),
-                                                   form.text(QStringLiteral("Password")));
-    if (!member.isOk())
-        return refusal(member.failure());
-    return number(member.value() != 0 ? 1 : 0);
+    return m_accounts.login(form.text(QStringLiteral("Username")),
+                            form.text(QStringLiteral("Password")), address);
+}
+
+Operations::Reply Operations::validateLogin(const FormBody &form, const QByteArray &address)
+{
+    const Result<qint64> member = login(form, address);
+    if (member.isOk())
+        return number(1);
+    const bool isStranger = member.failure().kind == Failure::Stranger;
+    Reply reply = isStranger ? number(0) : refusal(member.failure());
+    reply.delay = member.failure().delay;
+    return reply;
 }
 
 Operations::Reply Operations::createAccount(const FormBody &form)
@@ -140,16 +146,16 @@ Operations::Reply Operations::createAccount(const FormBody &form)
     return number(m_accounts.create(form));
 }
 
-Operations::Reply Operations::modifyAccount(const FormBody &form)
+Operations::Reply Operations::modifyAccount(const FormBody &form, const QByteArray &address)
 {
-    return number(m_accounts.modify(form));
+    return number(m_accounts.modify(form, address));
 }
 
 Operations::Reply Operations::categories(qint64 member, const FormBody &form)
 {
     Q_UNUSED(member)
     Q_UNUSED(form)
-    return {categoryList(), "text/plain", {}};
+    return {categoryList(), "text/plain", {}, {}};
 }
 
 Operations::Reply Operations::notificationOptions(qint64 member, const FormBody &form)
@@ -166,6 +172,7 @@ Operations::Reply Operations::notificationOptions(qint64 member, const FormBody 
     return {"NotifyOnBid,NotifyOnAuctionEnd,NotifyOnView,NotifyOnBuyerQuestion,EmailAddress\n"
                 + items.join(',') + '\n',
             "text/plain",
+            {},
             {}};
 }
 
@@ -192,7 +199,7 @@ Operations::Reply Operations::myAuctions(qint64 member, const FormBody &form)
         return refusal(auctions.failure());
     for (const Auctions::Auction &auction : auctions.value())
         list += auctionLine(auction);
-    return {list, "text/plain", {}};
+    return {list, "text/plain", {}, {}};
 }
 
 Operations::Reply Operations::modifyAuction(qint64 member, const FormBody &form)
@@ -221,7 +228,7 @@ Operations::Reply Operations::thumbnail(qint64 member, const FormBody &form)
         return refusal(auction.failure());
     const Pictures::Picture picture =
         m_pictures.thumbnail(auction.value().media, Pictures::thumbnailEdge);
-    return {picture.bytes, picture.type, {}};
+    return {picture.bytes, picture.type, {}, {}};
 }
 
 Operations::Reply Operations::rawMedia(qint64 member, const FormBody &form)
@@ -232,5 +239,5 @@ Operations::Reply Operations::rawMedia(qint64 member, const FormBody &form)
     const QString file = m_folder.mediaPath(auction.value().media);
     if (!QFileInfo(file).isReadable())
         return refusal(broken(QStringLiteral("the media cannot be read")));
-    return {{}, mediaType(auction.value().media), file};
+    return {{}, mediaType(auction.value().media), file, {}};
 }

@@ -23,13 +23,15 @@ public:
     {
         QByteArray body;
         QByteArray type = "text/plain";
-        QString file; ///< when not empty, this file's content is the body
+        QString file;                      ///< when not empty, this file's content is the body
+        std::chrono::milliseconds delay{}; ///< for how long it is not to be sent
     };
 
     Operations(Accounts &accounts, Auctions &auctions, Pictures &pictures,
                const DataFolder &folder);
 
-    Reply answer(const QString &operation, const FormBody &form);
+    /** What is asked from @p address. */
+    Reply answer(const QString &operation, const FormBody &form, const QByteArray &address);
     /** What answer() will take. */
     Result<Effort> effort(const QString &operation, const FormBody &form);
 
@@ -42,9 +44,10 @@ public:
 private:
     using Member = Reply (Operations::*)(qint64 member, const FormBody &form);
 
-    Reply validateLogin(const FormBody &form);
+    Reply validateLogin(const FormBody &form, const QByteArray &address);
     Reply createAccount(const FormBody &form);
-    Reply modifyAccount(const FormBody &form);
+    Reply modifyAccount(const FormBody &form, const QByteArray &address);
+    Result<qint64> login(const FormBody &form, const QByteArray &address);
     Reply categories(qint64 member, const FormBody &form);
     Reply notificationOptions(qint64 member, const FormBody &form);
     Reply setNotificationOptions(qint64 member, const FormBody &form);

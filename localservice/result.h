@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <chrono>
 #include <optional>
 #include <utility>
 
@@ -9,22 +10,24 @@
 struct Failure
 {
     enum Kind {
-        Refused, ///< what was asked for cannot be had; with the service all is well
-        Broken   ///< the service itself failed: its records, its disk, its memory
+        Refused,  ///< what was asked for cannot be had; with the service all is well
+        Stranger, ///< the same, since the user name and password are nobody's
+        Broken    ///< the service itself failed: its records, its disk, its memory
     };
 
     QString reason;
     Kind kind = Refused;
+    std::chrono::milliseconds delay{}; ///< for how long this is not to be told
 };
 
 inline Failure refused(const QString &reason)
 {
-    return {reason, Failure::Refused};
+    return {reason, Failure::Refused, {}};
 }
 
 inline Failure broken(const QString &reason)
 {
-    return {reason, Failure::Broken};
+    return {reason, Failure::Broken, {}};
 }
 
 /** A value, or the failure that stands in its place. Never both, and never to be passed over. */

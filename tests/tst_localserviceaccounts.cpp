@@ -46,6 +46,10 @@ private slots:
     void loginsAreForgottenInTime();
     void aLoginIsOfOneMember();
 
+    void wrongPasswordsGetSlower();
+    void aRightPasswordIsNeverHeldBack();
+    void guessesAreForgottenInTime();
+
 private:
     qint64 login(const char *name, const char *password);
     qint64 addMember(const char *name);
@@ -91,7 +95,10 @@ qint64 tst_LocalServiceAccounts::addMember(const char *name)
 
 qint64 tst_LocalServiceAccounts::login(const char *name, const char *password)
 {
-    const Result<qint64> member = m_accounts->login(QLatin1String(name), QLatin1String(password));
+    const Result<qint64> member =
+        m_accounts->login(QLatin1String(name), QLatin1String(password), "here");
+    if (!member.isOk() && member.failure().kind == Failure::Stranger)
+        return 0;
     return member.isOk() ? member.value() : -1;
 }
 
@@ -150,7 +157,7 @@ void tst_LocalServiceAccounts::aChangedPasswordIsForgotten()
                        {QString::fromLatin1(hash.value())});
         QVERIFY(session.commit().isOk());
     } else {
-        QVERIFY(m_accounts->modify(form("m1", "secret", "new")).isOk());
+        QVERIFY(m_accounts->modify(form("m1", "secret", "new"), "here").isOk());
     }
     QCOMPARE(login("m1", "secret"), 0);
     QCOMPARE(login("m1", "new"), 1);
@@ -175,6 +182,49 @@ void tst_LocalServiceAccounts::aLoginIsOfOneMember()
     QCOMPARE(login("m1", "secret"), 1);
     QCOMPARE(login("m2", "secret"), 2);
     QCOMPARE(checks.load(), 2);
+}
+
+void tst_LocalServiceAccounts::wrongPasswordsGetSlower()
+{
+    // An unknown name like a known one, and each name and each address for itself.
+    for (const char *name : {"m1", "nobody"}) {
+        QList<int> delays;
+        for (int i = 0; i < 10; ++i) {
+            const Result<qint64> wrong =
+                m_accounts->login(QLatin1String(name), QStringLiteral("guess"), "there");
+            QVERIFY(!wrong.isOk());
+            QCOMPARE(wrong.failure().reason, QStringLiteral("wrong user name or password"));
+            delays.append(int(wrong.failure().delay.count()));
+        }
+        QCOMPARE(delays, (QList<int>{0, 0, 0, 0, 1000, 2000, 4000, 8000, 8000, 8000}));
+    }
+    const Result<qint64> elsewhere =
+        m_accounts->login(QStringLiteral("m1"), QStringLiteral("guess"), "elsewhere");
+    QCOMPARE(elsewhere.failure().delay.count(), 0);
+    const Result<qint64> other =
+        m_accounts->login(QStringLiteral("m2"), QStringLiteral("guess"), "there");
+    QCOMPARE(other.failure().delay.count(), 0);
+}
+
+void tst_LocalServiceAccounts::aRightPasswordIsNeverHeldBack()
+{
+    for (int i = 0; i < 6; ++i)
+        QCOMPARE(login("m1", "guess"), 0);
+    QCOMPARE(login("m1", "secret"), 1);
+    // And then the count begins anew.
+    const Result<qint64> wrong =
+        m_accounts->login(QStringLiteral("m1"), QStringLiteral("guess"), "here");
+    QCOMPARE(wrong.failure().delay.count(), 0);
+}
+
+void tst_LocalServiceAccounts::guessesAreForgottenInTime()
+{
+    LoginBrake brake;
+    const LoginBrake::Clock::time_point start = LoginBrake::Clock::now();
+    for (int i = 0; i < 4; ++i)
+        QCOMPARE(brake.wrong(QStringLiteral("m1"), "here", start).count(), 0);
+    QCOMPARE(brake.wrong(QStringLiteral("m1"), "here", start).count(), 1000);
+    QCOMPARE(brake.wrong(QStringLiteral("m1"), "here", start + std::chrono::hours(1)).count(), 0);
 }
 
 KAVLOR_TEST_MAIN(tst_LocalServiceAccounts)

@@ -33,6 +33,7 @@ private slots:
     void manyLargeUploadsAtOnceAllBecomeAuctions();
     void aLargeClipGoesToTheDisk();
     void othersDoNotWaitForPictures();
+    void guessesAreHeldBackAndTheRightPasswordIsNot();
 
 private:
     using Socket = std::unique_ptr<QTcpSocket>;
@@ -311,6 +312,39 @@ void tst_LocalServiceLoad::othersDoNotWaitForPictures()
     QVERIFY(!wasLater);
     for (const Socket &socket : sockets)
         QVERIFY(replyOn(*socket).type.startsWith("image/"));
+}
+
+void tst_LocalServiceLoad::guessesAreHeldBackAndTheRightPasswordIsNot()
+{
+    LocalServiceProcess service;
+    QVERIFY(service.start());
+    QVERIFY(service
+                .post("CreateAccount",
+                      "Password2=secret&Username=m1&Password1=secret&EmailAddress=m1@example.org")
+                .body.toInt()
+            > 0);
+    const QByteArray guess = "Username=m1&Password=guess";
+    std::vector<Socket> sockets;
+    for (int i = 0; i < 12; ++i) {
+        sockets.push_back(std::make_unique<QTcpSocket>());
+        sockets.back()->connectToHost(QStringLiteral("127.0.0.1"), quint16(service.port()));
+        QVERIFY(sockets.back()->waitForConnected());
+        sockets.back()->write(
+            "POST /tolvex/GetMyAuctions/ HTTP/1.1\r\nHost: " + service.host().toLatin1()
+            + "\r\nContent-Length: " + QByteArray::number(guess.size()) + "\r\n\r\n" + guess);
+        flush(*sockets.back());
+    }
+    // It waits for the guesses' hashes at most, not for their answers.
+    QCOMPARE(service.post("ValidateLogin", login).body, QByteArray("1"));
+    const auto unanswered = [&sockets] {
+        return std::count_if(sockets.cbegin(), sockets.cend(), [](const Socket &socket) {
+            return socket->bytesAvailable() == 0 && !socket->waitForReadyRead(0);
+        });
+    };
+    QVERIFY(unanswered() > 0);
+    // They are answered in the end.
+    for (const Socket &socket : sockets)
+        QCOMPARE(replyOn(*socket).body, QByteArray("ERROR: wrong user name or password"));
 }
 
 KAVLOR_TEST_MAIN(tst_LocalServiceLoad)

@@ -17,6 +17,7 @@ constexpr int patience = 30000;
 
 LocalServiceProcess::LocalServiceProcess(QObject *parent)
     : QObject(parent)
+    , m_program(QStringLiteral(KAVLOR_LOCALSERVICE))
 {
 }
 
@@ -29,7 +30,7 @@ bool LocalServiceProcess::start(const QStringList &options)
 {
     const QStringList arguments{QStringLiteral("--port"), QStringLiteral("0"),
                                 QStringLiteral("--data"), dataDir()};
-    m_process.start(QStringLiteral(KAVLOR_LOCALSERVICE), arguments + options);
+    m_process.start(m_program, arguments + options);
     QElapsedTimer waited;
     waited.start();
     while (!m_process.canReadLine()) {
@@ -51,6 +52,11 @@ LocalServiceProcess::End LocalServiceProcess::runToEnd(const QStringList &option
         return {};
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
             process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+void LocalServiceProcess::setProgram(const QString &path)
+{
+    m_program = path;
 }
 
 void LocalServiceProcess::setEnvironment(const QString &variable, const QString &value)

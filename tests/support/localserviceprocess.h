@@ -41,6 +41,8 @@ public:
     bool start(const QStringList &options = {});
     /** Runs the program with just these options to its end. */
     static End runToEnd(const QStringList &options);
+    /** Starts another build of the service from now on. */
+    void setProgram(const QString &path);
     /** For the starts from now on. */
     void setEnvironment(const QString &variable, const QString &value);
     /** As kill -9, with no chance to tidy up. The data stays, for another start(). */
@@ -80,6 +82,7 @@ private:
                             const QVariantList &values) const;
 
     QTemporaryDir m_folder;
+    QString m_program;
     QProcess m_process;
     int m_port = 0;
 };
