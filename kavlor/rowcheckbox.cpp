@@ -1,0 +1,6 @@
+#include "rowcheckbox.h"
+
+bool RowCheckBox::hitButton(const QPoint &position) const
+{
+    return rect().contains(position);
+}
