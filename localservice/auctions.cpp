@@ -10,6 +10,7 @@ namespace {
 constexpr qint64 runningSeconds = 7L * 24 * 60 * 60;
 constexpr int maxDescription = 20000;
 constexpr int maxQuestion = 2000;
+constexpr int maxWords = 10;
 
 qint64 now()
 {
@@ -45,6 +46,18 @@ Result<void> checkBuyer(const Auctions::Buyer &buyer)
     if (buyer.email.size() > 80 || !address.match(buyer.email).hasMatch())
         return refused(QStringLiteral("please give your e-mail address, in at most 80 characters"));
     return {};
+}
+
+// The words as the index of words is asked for them.
+QString matchAll(const QString &words)
+{
+    QStringList terms;
+    const QStringList all = words.simplified().split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    for (QString word : all.mid(0, maxWords)) {
+        word.replace(QLatin1Char('"'), QStringLiteral("\"\""));
+        terms.append(QLatin1Char('"') + word + QStringLiteral("\"*"));
+    }
+    return terms.join(QLatin1Char(' '));
 }
 
 Auctions::State stateOf(const QString &text)
@@ -266,16 +279,43 @@ Result<QList<Auctions::Auction>> Auctions::ofMember(qint64 member)
     return select(QStringLiteral("WHERE a.member = ? ORDER BY a.id DESC"), {member});
 }
 
-Result<QList<Auctions::Auction>> Auctions::onSale()
+Result<Auctions::Page> Auctions::onSale(const Search &search)
 {
-    return select(QStringLiteral("WHERE a.state = 'running' ORDER BY a.ends, a.id"), {});
+    QString conditions = QStringLiteral("state = 'running'");
+    QVariantList values;
+    if (search.category != 0) {
+        QStringList ids;
+        for (const qint64 id : categoryWithAllBelow(search.category))
+            ids.append(QString::number(id));
+        conditions += QStringLiteral(" AND category IN (%1)").arg(ids.join(QLatin1Char(',')));
+    }
+    const QString words = matchAll(search.words);
+    if (!words.isEmpty()) {
+        conditions += QStringLiteral(
+            " AND id IN (SELECT rowid FROM auction_words WHERE auction_words MATCH ?)");
+        values.append(words);
+    }
+    values << pageSize + 1 << (search.page - 1) * pageSize;
+    // The page is found first, by an index alone; only its auctions are then read.
+    const Result<QList<Auction>> found =
+        select(QStringLiteral("WHERE a.id IN (SELECT id FROM auctions WHERE %1"
+                              " ORDER BY ends, id LIMIT ? OFFSET ?) ORDER BY a.ends, a.id")
+                   .arg(conditions),
+               values);
+    if (!found.isOk())
+        return found.failure();
+    return Page{found.value().mid(0, pageSize), found.value().size() > pageSize};
 }
 
 Result<QList<Auctions::Auction>> Auctions::recentlyEnded(int most)
 {
     return select(
-        QStringLiteral("WHERE a.state <> 'running' ORDER BY a.ends DESC, a.id DESC LIMIT ?"),
-        {most});
+        QStringLiteral(
+            "WHERE a.id IN (SELECT id FROM (SELECT id FROM auctions WHERE state = 'sold'"
+            " ORDER BY ends DESC, id DESC LIMIT ?) UNION ALL SELECT id FROM (SELECT id FROM"
+            " auctions WHERE state = 'unsold' ORDER BY ends DESC, id DESC LIMIT ?))"
+            " ORDER BY a.ends DESC, a.id DESC LIMIT ?"),
+        {most, most, most});
 }
 
 Result<Auctions::Auction> Auctions::auction(qint64 id)

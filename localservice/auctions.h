@@ -77,6 +77,22 @@ public:
         QDateTime placed;
     };
 
+    /** What a visitor looks for. */
+    struct Search
+    {
+        QString words;       ///< all of which begin a word of the title or the description
+        qint64 category = 0; ///< that or one below it; 0 = any
+        int page = 1;
+    };
+
+    struct Page
+    {
+        QList<Auction> auctions;
+        bool hasNext = false;
+    };
+
+    static constexpr int pageSize = 24;
+
     explicit Auctions(Database &database);
 
     /** Whether the auction's own fields are as they should be. */
@@ -87,7 +103,8 @@ public:
     Result<void> changePrices(qint64 member, qint64 auction, qint64 reservePrice, qint64 buyPrice);
 
     Result<QList<Auction>> ofMember(qint64 member);
-    Result<QList<Auction>> onSale();
+    /** What is on sale, what ends first coming first. */
+    Result<Page> onSale(const Search &search);
     Result<QList<Auction>> recentlyEnded(int most);
     /** The auction with this number; one with number 0 = there is none. */
     Result<Auction> auction(qint64 id);

@@ -54,6 +54,28 @@ QString categoryPath(qint64 id)
     return path;
 }
 
+QList<qint64> categoryWithAllBelow(qint64 id)
+{
+    QList<qint64> found{id};
+    for (qsizetype i = 0; i < found.size(); ++i) {
+        for (const Category &category : categories) {
+            if (category.parent == found.at(i))
+                found.append(category.id);
+        }
+    }
+    return found;
+}
+
+QList<qint64> topCategories()
+{
+    QList<qint64> found;
+    for (const Category &category : categories) {
+        if (category.parent == 0)
+            found.append(category.id);
+    }
+    return found;
+}
+
 QByteArray categoryList()
 {
     QByteArray list = "CategoryID,Name,ParentID\n";

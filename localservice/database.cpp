@@ -17,7 +17,7 @@ namespace {
 // for an answer for ten seconds.
 constexpr std::chrono::milliseconds patience{3000};
 
-constexpr int tablesVersion = 1;
+constexpr int tablesVersion = 2;
 
 const char *const tables[] = {
     "CREATE TABLE IF NOT EXISTS members ("
@@ -38,6 +38,17 @@ const char *const tables[] = {
     " sold_price INTEGER NOT NULL DEFAULT 0, buyer TEXT NOT NULL DEFAULT '')",
     "CREATE INDEX IF NOT EXISTS auctions_by_member ON auctions(member)",
     "CREATE INDEX IF NOT EXISTS auctions_by_end ON auctions(state, ends)",
+
+    "CREATE INDEX IF NOT EXISTS auctions_by_category ON auctions(state, category, ends)",
+
+    // The words of the auctions; a title or description never changes.
+    "CREATE VIRTUAL TABLE IF NOT EXISTS auction_words USING fts5("
+    " title, description, content = 'auctions', content_rowid = 'id',"
+    " tokenize = 'unicode61 remove_diacritics 2')",
+    "CREATE TRIGGER IF NOT EXISTS auction_is_new AFTER INSERT ON auctions BEGIN"
+    " INSERT INTO auction_words (rowid, title, description)"
+    " VALUES (new.id, new.title, new.description); END",
+    "INSERT INTO auction_words (auction_words) VALUES ('rebuild')",
 
     "CREATE TABLE IF NOT EXISTS bids ("
     " id INTEGER PRIMARY KEY AUTOINCREMENT, auction INTEGER NOT NULL REFERENCES auctions(id),"

@@ -9,9 +9,9 @@ namespace {
 
 const char *const styleSheet = R"(
 *{box-sizing:border-box}
-body{margin:0;background:#f2f4f6;color:#25313c;font:16px/1.5 "DejaVu Sans",Verdana,sans-serif}
-a{color:#1d7a38}
-header{background:linear-gradient(#3fa357,#23753b);color:#fff}
+body{margin:0;background:#f2f4f6;color:#00007f;font:16px/1.5 "DejaVu Sans",Verdana,sans-serif}
+a{color:#1a5494}
+header{background:linear-gradient(#2e783e,#165c28);color:#fff}
 header>div,main,footer{max-width:1080px;margin:0 auto;padding:0 20px}
 header>div{display:flex;align-items:center;gap:28px;min-height:60px;flex-wrap:wrap}
 header a{color:#fff;text-decoration:none}
@@ -23,15 +23,15 @@ h2{font-size:18px;margin:32px 0 12px}
 p{margin:0 0 16px}
 .panel>:first-child{margin-top:0}
 .panel>:last-child{margin-bottom:0}
-.muted,footer{color:#66737f;font-size:14px}
+.muted,footer{color:#55616c;font-size:14px}
 .panel{background:#fff;border:1px solid #dde2e7;border-radius:8px;padding:20px;margin-bottom:20px}
 .cards{display:grid;grid-template-columns:repeat(auto-fill,minmax(240px,1fr));gap:20px}
 .card{background:#fff;border:1px solid #dde2e7;border-radius:8px;overflow:hidden;display:flex;
 flex-direction:column;color:inherit;text-decoration:none}
-.card:hover{border-color:#3fa357;box-shadow:0 2px 10px rgba(30,60,40,.16)}
+.card:hover{border-color:#2e783e;box-shadow:0 2px 10px rgba(30,60,40,.16)}
 .card img{width:100%;aspect-ratio:4/3;object-fit:cover;display:block;background:#e4e8ec}
 .card .text{padding:12px 14px 14px;display:flex;flex-direction:column;flex:1;gap:6px}
-.card .title{font-weight:bold;color:#b25e00;overflow-wrap:anywhere}
+.card .title{font-weight:bold;color:#9a5000;overflow-wrap:anywhere}
 .card .badge{align-self:flex-start}
 .card .foot{display:flex;justify-content:space-between;margin-top:auto;padding-top:6px;
 border-top:1px solid #edf0f2}
@@ -40,20 +40,26 @@ border-top:1px solid #edf0f2}
 background:#e2e7ec;color:#44515d}
 .badge.good{background:#dcf2e1;color:#17642d}
 .badge.sold{background:#fbe3c4;color:#8a4a00}
-.columns{display:grid;grid-template-columns:minmax(0,3fr) minmax(280px,2fr);gap:20px;
-align-items:start}
-@media(max-width:800px){.columns{grid-template-columns:1fr}}
+.columns{display:grid;grid-template-columns:minmax(0,3fr) minmax(280px,2fr);column-gap:20px;
+grid-template-rows:auto 1fr;align-items:start}
+.columns .side{grid-column:2;grid-row:1/span 2}
+.search{display:grid;grid-template-columns:auto minmax(0,2fr) auto minmax(0,2fr) auto;gap:10px;
+align-items:center;margin:16px 0 24px}
+.search label,.search button{margin:0}
+.pages{display:flex;gap:24px;justify-content:center;margin:24px 0}
+@media(max-width:800px){.columns,.search{grid-template-columns:minmax(0,1fr)}
+.columns .side{grid-column:1;grid-row:auto}}
 .media{padding:0;overflow:hidden}
 .media img,.media video{display:block;width:100%;max-height:620px;object-fit:contain;
 background:#1d242b}
 .description{white-space:pre-line;overflow-wrap:anywhere}
 label{display:block;font-size:14px;font-weight:bold;margin:10px 0 3px}
-input,textarea{width:100%;padding:9px 10px;font:inherit;border:1px solid #b9c2ca;border-radius:5px;
+input,textarea,select{width:100%;padding:9px 10px;font:inherit;border:1px solid #b9c2ca;border-radius:5px;
 background:#fff;color:inherit}
-input:focus,textarea:focus{outline:2px solid #3fa357;border-color:#3fa357}
+input:focus,textarea:focus,select:focus,button:focus,a:focus{outline:2px solid #00007f}
 button{margin-top:14px;padding:10px 22px;font:inherit;font-weight:bold;color:#fff;cursor:pointer;
-background:linear-gradient(#46ab5e,#267a3f);border:1px solid #1f6b36;border-radius:5px}
-button:hover{color:#ffee9b}
+background:linear-gradient(#2e783e,#165c28);border:1px solid #165c28;border-radius:5px}
+button:hover{color:#efff35}
 table{border-collapse:collapse;width:100%}
 td,th{text-align:left;padding:6px 8px;border-bottom:1px solid #edf0f2;overflow-wrap:anywhere}
 td.number,th.number{text-align:right}
@@ -144,6 +150,49 @@ QString cards(const QList<Auctions::Auction> &auctions)
     return all + QStringLiteral("</div>\n");
 }
 
+QString searchForm(const Auctions::Search &search)
+{
+    QString options = QStringLiteral("<option value=\"0\">All categories</option>\n");
+    for (const qint64 top : topCategories()) {
+        for (const qint64 id : categoryWithAllBelow(top)) {
+            options += QStringLiteral("<option value=\"%1\"%2>%3</option>\n")
+                           .arg(QString::number(id),
+                                id == search.category ? QStringLiteral(" selected") : QString(),
+                                categoryPath(id).toHtmlEscaped());
+        }
+    }
+    return QStringLiteral("<form class=\"search\" method=\"get\" action=\"/\" role=\"search\">\n"
+                          "<label for=\"words\">Words</label>\n"
+                          "<input id=\"words\" name=\"words\" type=\"search\" maxlength=\"200\" "
+                          "value=\"%1\">\n<label for=\"category\">Category</label>\n"
+                          "<select id=\"category\" name=\"category\">\n%2</select>\n"
+                          "<button id=\"search-submit\" type=\"submit\">Search</button>\n</form>\n")
+        .arg(search.words.toHtmlEscaped(), options);
+}
+
+QString pageLink(const Auctions::Search &search, int page, const QString &relation,
+                 const QString &text)
+{
+    return QStringLiteral("<a rel=\"%1\" href=\"/?words=%2&amp;category=%3&amp;page=%4\">%5</a>\n")
+        .arg(relation, QString::fromLatin1(search.words.toUtf8().toPercentEncoding()),
+             QString::number(search.category), QString::number(page), text);
+}
+
+QString pageLinks(const Auctions::Page &onSale, const Auctions::Search &search)
+{
+    if (search.page == 1 && !onSale.hasNext)
+        return {};
+    QString links = QStringLiteral("<nav class=\"pages\" aria-label=\"Pages\">\n");
+    if (search.page > 1)
+        links += pageLink(search, search.page - 1, QStringLiteral("prev"),
+                          QStringLiteral("Ending sooner"));
+    links += QStringLiteral("<span>Page %1</span>\n").arg(search.page);
+    if (onSale.hasNext)
+        links += pageLink(search, search.page + 1, QStringLiteral("next"),
+                          QStringLiteral("Ending later"));
+    return links + QStringLiteral("</nav>\n");
+}
+
 QString noticeBox(const PageWriter::Notice &notice)
 {
     if (notice.text.isEmpty())
@@ -195,11 +244,13 @@ QString mediaPanel(const Auctions::Auction &auction)
 
 QString factsPanel(const Auctions::Auction &auction)
 {
+    const QString shown = badges(auction);
+    const QString badge = shown.isEmpty() ? QString() : QStringLiteral("<div>%1</div>").arg(shown);
     return QStringLiteral(R"(<div class="panel"><div class="muted">%1</div>
-<div class="price" id="price">%2</div><div>%3</div>
+<div class="price" id="price">%2</div>%3
 <p class="muted"><span id="bids">%4</span> &middot; <span id="views">%5</span> &middot; %6</p></div>
 )")
-        .arg(priceLabel(auction), price(auction), badges(auction), counted(auction.bids, "bid"),
+        .arg(priceLabel(auction), price(auction), badge, counted(auction.bids, "bid"),
              counted(auction.views, "view"), timeText(auction.ends, auction.state));
 }
 
@@ -255,16 +306,22 @@ PageWriter::PageWriter(const QByteArray &formToken)
 {
 }
 
-QByteArray PageWriter::auctions(const QList<Auctions::Auction> &onSale,
+QByteArray PageWriter::auctions(const Auctions::Page &onSale, const Auctions::Search &search,
                                 const QList<Auctions::Auction> &ended) const
 {
     QString content =
         QStringLiteral("<h1>Photos and clips on auction</h1>\n"
                        "<p class=\"muted\">Taken by our members. Prices are in whole US "
-                       "dollars.</p>\n");
-    content += onSale.isEmpty()
-        ? QStringLiteral("<p class=\"panel\">Nothing is on auction at the moment.</p>\n")
-        : cards(onSale);
+                       "dollars.</p>\n")
+        + searchForm(search);
+    const bool isPlain = search.words.isEmpty() && search.category == 0 && search.page == 1;
+    if (!onSale.auctions.isEmpty())
+        content += cards(onSale.auctions) + pageLinks(onSale, search);
+    else if (isPlain)
+        content += QStringLiteral("<p class=\"panel\">Nothing is on auction at the moment.</p>\n");
+    else
+        content += QStringLiteral("<p class=\"panel\" id=\"nothing\">Nothing on auction fits "
+                                  "this.</p>\n");
     if (!ended.isEmpty())
         content += QStringLiteral("<h2>Ended lately</h2>\n") + cards(ended);
     return page(QStringLiteral("Auctions"), content);
@@ -284,11 +341,12 @@ QByteArray PageWriter::auction(const Auctions::Auction &auction, const QList<Auc
         forms += buyForm(auction, typed);
     const QString content =
         QStringLiteral("%1<h1>%2</h1>\n<p class=\"muted\">%3 &middot; offered by %4</p>\n"
-                       "<div class=\"columns\"><div>\n%5%6%7%8</div><div>\n%9</div></div>\n")
+                       "<div class=\"columns\"><div>\n%5</div><div class=\"side\">\n%6</div>"
+                       "<div>\n%7%8%9</div></div>\n")
             .arg(noticeBox(notice), auction.title.toHtmlEscaped(),
                  categoryPath(auction.category).toHtmlEscaped(), auction.seller.toHtmlEscaped(),
-                 mediaPanel(auction), description, bidTable(bids), questionForm(auction, typed),
-                 factsPanel(auction) + forms);
+                 mediaPanel(auction), factsPanel(auction) + forms, description, bidTable(bids),
+                 questionForm(auction, typed));
     return page(auction.title, content);
 }
 

@@ -24,7 +24,8 @@ public:
 
     explicit PageWriter(const QByteArray &formToken);
 
-    QByteArray auctions(const QList<Auctions::Auction> &onSale,
+    /** One page of what is on sale, as @p search found it, and the last ones that ended. */
+    QByteArray auctions(const Auctions::Page &onSale, const Auctions::Search &search,
                         const QList<Auctions::Auction> &ended) const;
     QByteArray auction(const Auctions::Auction &auction, const QList<Auctions::Bid> &bids,
                        const Notice &notice, const FormBody &typed) const;

@@ -1,10 +1,12 @@
 #include "website.h"
 
+#include "categories.h"
 #include "mediatypes.h"
 #include "pagewriter.h"
 
 #include <QHash>
 
+#include <algorithm>
 #include <limits>
 
 namespace {
@@ -13,6 +15,8 @@ constexpr int cardEdge = 480;
 constexpr int largeEdge = 1200;
 constexpr int endedShown = 12;
 constexpr int mailsShown = 100;
+constexpr int wordsRead = 200;
+constexpr int lastPage = 1000000;
 
 qint64 idIn(const FormBody &form)
 {
@@ -119,7 +123,7 @@ Effort WebSite::effort(const QByteArray &method, const QString &path)
 WebSite::Reply WebSite::get(const Request &request, const VisitorToken &visitor)
 {
     if (request.path == QLatin1String("/"))
-        return frontPage(visitor);
+        return frontPage(request, visitor);
     if (request.path == QLatin1String("/auction"))
         return auctionPage(request, visitor);
     if (request.path == QLatin1String("/thumbnail"))
@@ -151,15 +155,24 @@ WebSite::Reply WebSite::post(const Request &request, const VisitorToken &visitor
     return notFound();
 }
 
-WebSite::Reply WebSite::frontPage(const VisitorToken &visitor)
+WebSite::Reply WebSite::frontPage(const Request &request, const VisitorToken &visitor)
 {
-    const Result<QList<Auctions::Auction>> onSale = m_auctions.onSale();
+    Auctions::Search search;
+    search.words = request.query.text(QStringLiteral("words")).left(wordsRead).simplified();
+    search.category =
+        request.query.number(QStringLiteral("category"), std::numeric_limits<qint32>::max());
+    if (!isCategory(search.category))
+        search.category = 0;
+    search.page = int(std::max<qint64>(1, request.query.number(QStringLiteral("page"), lastPage)));
+    const Result<Auctions::Page> onSale = m_auctions.onSale(search);
     if (!onSale.isOk())
         return brokenPage(onSale.failure());
-    const Result<QList<Auctions::Auction>> ended = m_auctions.recentlyEnded(endedShown);
+    const bool isPlain = search.words.isEmpty() && search.category == 0 && search.page == 1;
+    const Result<QList<Auctions::Auction>> ended =
+        isPlain ? m_auctions.recentlyEnded(endedShown) : QList<Auctions::Auction>();
     if (!ended.isOk())
         return brokenPage(ended.failure());
-    return page(PageWriter(visitor.formToken()).auctions(onSale.value(), ended.value()));
+    return page(PageWriter(visitor.formToken()).auctions(onSale.value(), search, ended.value()));
 }
 
 WebSite::Reply WebSite::outboxPage(const Request &request, const VisitorToken &visitor)

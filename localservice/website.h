@@ -53,7 +53,7 @@ private:
     Reply get(const Request &request, const VisitorToken &visitor);
     Reply post(const Request &request, const VisitorToken &visitor);
 
-    Reply frontPage(const VisitorToken &visitor);
+    Reply frontPage(const Request &request, const VisitorToken &visitor);
     Reply auctionPage(const Request &request, const VisitorToken &visitor);
     /** The page of an auction, with what was typed into its forms. */
     Reply auctionReply(qint64 id, const VisitorToken &visitor, const PageWriter::Notice &notice,

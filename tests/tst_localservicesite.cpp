@@ -1,10 +1,13 @@
+#include "contrast.h"
 #include "localserviceprocess.h"
 #include "testcase.h"
 #include "testmain.h"
 #include "uploadrequest.h"
 #include "webvisitor.h"
 
+#include <QProcess>
 #include <QRegularExpression>
+#include <QSet>
 
 class tst_LocalServiceSite : public TestCase
 {
@@ -20,6 +23,16 @@ private slots:
     void unknownPagesAreNotFound();
     void otherHostNamesAreRefused_data();
     void otherHostNamesAreRefused();
+    void theFrontPageIsPaged();
+    void aPageIsFoundByAnIndex_data();
+    void aPageIsFoundByAnIndex();
+    void visitorsSearchByWordsAndCategory_data();
+    void visitorsSearchByWordsAndCategory();
+    void theBidFormComesBeforeTheQuestion();
+    void everyTextCanBeRead_data();
+    void everyTextCanBeRead();
+    void pagesAreValidHtml_data();
+    void pagesAreValidHtml();
     void everyTextIsEscaped();
     void anAuctionsPageCountsAView();
     void bidsAreTaken();
@@ -185,6 +198,234 @@ void tst_LocalServiceSite::otherHostNamesAreRefused()
     QCOMPARE(reply.status, 200);
     QCOMPARE(reply.body.startsWith("ERROR: "), !isOwn);
     QCOMPARE(members(), before + (isOwn ? 1 : 0));
+}
+
+void tst_LocalServiceSite::theFrontPageIsPaged()
+{
+    LocalServiceProcess service;
+    QVERIFY(service.start());
+    QVERIFY(service
+                .post("CreateAccount",
+                      "Username=m1&Password1=x&Password2=x&EmailAddress=m1@example.org")
+                .body.toInt()
+            > 0);
+    // The worst that a title can be.
+    service.execute(QStringLiteral(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 10000)"
+        " INSERT INTO auctions (member, category, title, description, captured, media,"
+        " start_price, reserve_price, buy_price, created, ends, state) SELECT 1, 400,"
+        " replace(hex(zeroblob(250)), '0', '\"'), '', '', i || '.jpg', 1, 0, 0, 1,"
+        " 4000000000 + i, CASE i % 10 WHEN 0 THEN 'sold' ELSE 'running' END FROM n"));
+    WebVisitor visitor(service);
+    QByteArray path = "/";
+    QSet<QString> seen;
+    static const QRegularExpression card(QStringLiteral("class=\"card\" href=\"([^\"]+)\""));
+    static const QRegularExpression next(QStringLiteral("rel=\"next\" href=\"([^\"]+)\""));
+    for (int page = 1; page <= 3; ++page) {
+        const LocalServiceProcess::Reply reply = visitor.open(path);
+        QCOMPARE(reply.status, 200);
+        QVERIFY2(reply.body.size() < 200000, QByteArray::number(reply.body.size()));
+        const QString html = QString::fromUtf8(reply.body);
+        QRegularExpressionMatchIterator cards =
+            card.globalMatch(html.section(QStringLiteral("Ended lately"), 0, 0));
+        while (cards.hasNext())
+            seen.insert(cards.next().captured(1));
+        QCOMPARE(seen.size(), page * 24);
+        QCOMPARE(html.contains(QStringLiteral("Ended lately")), page == 1);
+        QCOMPARE(html.contains(QStringLiteral("rel=\"prev\"")), page > 1);
+        path = next.match(html)
+                   .captured(1)
+                   .replace(QStringLiteral("&amp;"), QStringLiteral("&"))
+                   .toLatin1();
+    }
+    const QByteArray last = visitor.open("/?page=375").body;
+    QVERIFY(last.contains("class=\"card\"") && !last.contains("rel=\"next\""));
+    QVERIFY(visitor.open("/?page=376").body.contains("id=\"nothing\""));
+    for (const char *odd : {"/?page=0", "/?page=-1", "/?page=x", "/?page=99999999999999999999"})
+        QVERIFY(visitor.open(odd).body.contains("Page 1<"));
+}
+
+void tst_LocalServiceSite::aPageIsFoundByAnIndex_data()
+{
+    QTest::addColumn<QString>("conditions");
+    QTest::addColumn<QString>("index");
+
+    QTest::newRow("on sale") << QStringLiteral("state = 'running' ORDER BY ends, id")
+                             << QStringLiteral("auctions_by_end");
+    QTest::newRow("sold") << QStringLiteral("state = 'sold' ORDER BY ends DESC, id DESC")
+                          << QStringLiteral("auctions_by_end");
+    QTest::newRow("due") << QStringLiteral("state = 'running' AND ends <= 1")
+                         << QStringLiteral("auctions_by_end");
+    QTest::newRow("a category") << QStringLiteral(
+        "state = 'running' AND category = 400 ORDER BY ends, id")
+                                << QStringLiteral("auctions_by_category");
+}
+
+void tst_LocalServiceSite::aPageIsFoundByAnIndex()
+{
+    QFETCH(QString, conditions);
+    QFETCH(QString, index);
+
+    const QList<QVariantList> steps = m_service.query(
+        QStringLiteral("EXPLAIN QUERY PLAN SELECT id FROM auctions WHERE %1 LIMIT 25")
+            .arg(conditions));
+    QCOMPARE(steps.size(), 1); // nothing is sorted afterwards
+    QVERIFY2(
+        steps.first().at(3).toString().contains(QStringLiteral("USING COVERING INDEX ") + index),
+        qPrintable(steps.first().at(3).toString()));
+}
+
+void tst_LocalServiceSite::visitorsSearchByWordsAndCategory_data()
+{
+    QTest::addColumn<QByteArray>("search");
+    QTest::addColumn<QByteArrayList>("found");
+
+    const QByteArray goal = "Goal in Z\xc3\xbcrich";
+    const QByteArray snow = "Snow on the roofs";
+    const auto row = [](const char *search, const QByteArrayList &found) {
+        QTest::newRow(search) << QByteArray(search) << found;
+    };
+    row("words=z%C3%BCrich", {goal});
+    row("words=ZURICH", {goal});
+    row("words=zur", {goal});
+    row("words=rich", {});
+    row("words=roofs+snow", {snow});
+    row("words=snow+goal", {});
+    row("words=evening", {goal, snow});
+    row("words=evening&category=4", {goal});
+    row("words=evening&category=400", {goal});
+    row("words=evening&category=22", {snow});
+    row("words=evening&category=5", {});
+    row("words=evening&category=0", {goal, snow});
+    row("words=evening&category=x", {goal, snow});
+    row("words=%22+OR+1", {});
+    row("words=title%3Asnow", {});
+    row("words=snow*", {snow});
+    row("words=%27%22%28%29", {});
+}
+
+void tst_LocalServiceSite::visitorsSearchByWordsAndCategory()
+{
+    QFETCH(QByteArray, search);
+    QFETCH(QByteArrayList, found);
+
+    if (m_service.value(QStringLiteral("SELECT count(*) FROM auctions WHERE title LIKE 'Snow%'"))
+            .toInt()
+        == 0) {
+        UploadRequest upload;
+        upload.set("Description", "Goal in Z\xfcrich");
+        upload.set("LongDescription", "On an evening.");
+        newAuction(upload);
+        upload.set("Description", "Snow on the roofs");
+        upload.set("CategoryID", "222");
+        newAuction(upload);
+    }
+    const LocalServiceProcess::Reply reply = m_service.get("/?" + search);
+    QCOMPARE(reply.status, 200);
+    QCOMPARE(reply.body.count("class=\"card\""), found.size());
+    for (const QByteArray &title : found)
+        QVERIFY2(reply.body.contains(title), title.constData());
+    QCOMPARE(reply.body.contains("id=\"nothing\""), found.isEmpty());
+}
+
+void tst_LocalServiceSite::theBidFormComesBeforeTheQuestion()
+{
+    const QByteArray page = m_service.get("/auction?id=" + QByteArray::number(newAuction())).body;
+    const qsizetype bid = page.indexOf("id=\"bid-submit\"");
+    QVERIFY(bid > 0 && bid < page.indexOf("id=\"ask-submit\""));
+    // On a narrow screen they stand below each other as they are written.
+    QVERIFY(page.contains("@media(max-width:800px){.columns"));
+}
+
+void tst_LocalServiceSite::everyTextCanBeRead_data()
+{
+    QTest::addColumn<QString>("text");       // whose colour
+    QTest::addColumn<QString>("background"); // on whose
+
+    const auto row = [](const char *text, const char *background) {
+        QTest::addRow("%s on %s", text, background)
+            << QString::fromLatin1(text) << QString::fromLatin1(background);
+    };
+    row("body", "body");
+    row("body", ".panel");
+    row("a", "body");
+    row("a", ".panel");
+    row("header", "header");
+    row("header a", "header");
+    row(".muted,footer", "body");
+    row(".muted,footer", ".panel");
+    row(".card .title", ".card");
+    row(".badge", ".badge");
+    row(".badge.good", ".badge.good");
+    row(".badge.sold", ".badge.sold");
+    row(".notice", ".notice");
+    row(".notice.error", ".notice.error");
+    row("button", "button");
+    row("button:hover", "button");
+}
+
+void tst_LocalServiceSite::everyTextCanBeRead()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, background);
+
+    const QString page = QString::fromUtf8(m_service.get("/").body);
+    // The colours of a rule's property, both ends of a gradient.
+    const auto colours = [&page](const QString &selector, const QString &property) {
+        const QRegularExpression rule(
+            QStringLiteral("\\n%1\\{([^}]*)\\}").arg(QRegularExpression::escape(selector)));
+        QList<QColor> found;
+        const QStringList declarations = rule.match(page).captured(1).split(QLatin1Char(';'));
+        for (const QString &declaration : declarations) {
+            static const QRegularExpression colour(QStringLiteral("#[0-9a-f]+"));
+            if (declaration.trimmed().section(QLatin1Char(':'), 0, 0) != property)
+                continue;
+            QRegularExpressionMatchIterator all = colour.globalMatch(declaration);
+            while (all.hasNext())
+                found.append(QColor(all.next().captured()));
+        }
+        return found;
+    };
+    const QList<QColor> above = colours(text, QStringLiteral("color"));
+    const QList<QColor> below = colours(background, QStringLiteral("background"));
+    QVERIFY2(!above.isEmpty() && !below.isEmpty(), qPrintable(text + background));
+    for (const QColor &one : above) {
+        for (const QColor &other : below)
+            QVERIFY2(contrast(one, other) >= 4.5, qPrintable(one.name() + other.name()));
+    }
+}
+
+void tst_LocalServiceSite::pagesAreValidHtml_data()
+{
+    QTest::addColumn<QByteArray>("path");
+
+    for (const char *path :
+         {"/", "/?words=%22x%22%26&category=400", "/?page=9", "/auction?id=1", "/outbox",
+          "/index.php?do=forgotpass", "/index.php?do=newpass&secret=0", "/nowhere"}) {
+        QTest::newRow(path) << QByteArray(path);
+    }
+}
+
+void tst_LocalServiceSite::pagesAreValidHtml()
+{
+    QFETCH(QByteArray, path);
+
+    UploadRequest upload;
+    upload.set("Description", "\"<Goal> & 'win'");
+    upload.set("BuyItNowPrice", "50");
+    const qint64 id = newAuction(upload);
+    WebVisitor(m_service).bid(id, 7);
+    if (path.startsWith("/auction"))
+        path = "/auction?id=" + QByteArray::number(id);
+    QProcess tidy;
+    tidy.start(QStringLiteral("tidy"),
+               {QStringLiteral("-quiet"), QStringLiteral("-errors"), QStringLiteral("-utf8")});
+    QVERIFY2(tidy.waitForStarted(), "script/bootstrap installs tidy");
+    tidy.write(m_service.get(path).body);
+    tidy.closeWriteChannel();
+    QVERIFY(tidy.waitForFinished());
+    QCOMPARE(tidy.readAllStandardError(), QByteArray());
+    QCOMPARE(tidy.exitCode(), 0);
 }
 
 void tst_LocalServiceSite::everyTextIsEscaped()
