@@ -25,6 +25,12 @@ int fail(ExitCode code, const QString &message)
     return code;
 }
 
+// The numbers that the daemon has states for, up to that of an address within the device's own net.
+bool isStateNumber(quint32 number)
+{
+    return number <= 5 || number == 8 || number == 9 || number == 15;
+}
+
 // The options, or an error that says what is wrong with them. --help and --version end the program.
 Options readOptions(const QCoreApplication &app, QString *error)
 {
@@ -67,7 +73,7 @@ Options readOptions(const QCoreApplication &app, QString *error)
     if (parser.isSet(state)) {
         bool isNumber = false;
         options.state = parser.value(state).toUInt(&isNumber);
-        if (!isNumber) {
+        if (!isNumber || !isStateNumber(*options.state)) {
             *error = QCoreApplication::translate("main", "'%1' is no state number.")
                          .arg(parser.value(state));
         }

@@ -12,7 +12,7 @@ constexpr qsizetype maxFields = 100;
 QString decoded(QByteArray value)
 {
     const QByteArray bytes = QByteArray::fromPercentEncoding(value.replace('+', ' '));
-    QStringDecoder utf8(QStringDecoder::Utf8);
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringConverter::Flag::Stateless);
     const QString text = utf8(bytes);
     return utf8.hasError() ? QString::fromLatin1(bytes) : text;
 }

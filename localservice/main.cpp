@@ -96,6 +96,10 @@ int main(int argc, char *argv[])
     if (!parsed.isOk())
         return fail(BadOptions, parsed.failure());
     const Options &options = parsed.value();
+    if (options.version) {
+        std::puts("kavlor-localservice " KAVLOR_VERSION);
+        return Ended;
+    }
     if (options.help) {
         std::fputs(qPrintable(Options::helpText()), stdout);
         return Ended;

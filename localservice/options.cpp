@@ -23,6 +23,7 @@ void describe(QCommandLineParser &parser)
         {QStringLiteral("seed"),
          QStringLiteral(
              "Add the member \"demo\" (password \"demo\") with auctions of every state.")},
+        {QStringLiteral("version"), QStringLiteral("Say which version this is and end.")},
         {QStringLiteral("help"), QStringLiteral("Say this and end.")},
     });
 }
@@ -35,6 +36,11 @@ Result<Options> Options::parse(const QStringList &arguments)
     describe(parser);
     if (!parser.parse(arguments))
         return refused(parser.errorText());
+    const QStringList named = parser.optionNames();
+    for (const QString &name : named) {
+        if (named.count(name) > 1)
+            return refused(QStringLiteral("'--%1' is given twice.").arg(name));
+    }
     if (!parser.positionalArguments().isEmpty()) {
         return refused(
             QStringLiteral("Unexpected argument '%1'.").arg(parser.positionalArguments().first()));
@@ -49,13 +55,16 @@ Result<Options> Options::parse(const QStringList &arguments)
 
     const QString limit = parser.value(QStringLiteral("max-media"));
     options.maxMediaBytes = limit.toLongLong(&isNumber);
-    if (!isNumber || options.maxMediaBytes < 1)
-        return refused(QStringLiteral("'%1' is no number of bytes.").arg(limit));
+    if (!isNumber || options.maxMediaBytes < 1 || options.maxMediaBytes > maxMediaLimit) {
+        return refused(
+            QStringLiteral("'%1' is no number of bytes (1 to %2).").arg(limit).arg(maxMediaLimit));
+    }
 
     options.dataFolder = parser.value(QStringLiteral("data"));
     if (options.dataFolder.isEmpty())
         return refused(QStringLiteral("The data folder has no name."));
     options.seed = parser.isSet(QStringLiteral("seed"));
+    options.version = parser.isSet(QStringLiteral("version"));
     options.help = parser.isSet(QStringLiteral("help"));
     return options;
 }

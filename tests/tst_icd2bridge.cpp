@@ -355,6 +355,8 @@ void tst_Icd2Bridge::wrongOptionsAreErrors_data()
                               << "'-1' is no state number.";
     QTest::newRow("too large") << QStringList{state, QStringLiteral("4294967296")}
                                << "'4294967296' is no state number.";
+    QTest::newRow("no state's number")
+        << QStringList{state, QStringLiteral("99")} << "'99' is no state number.";
     QTest::newRow("empty number") << QStringList{QStringLiteral("--state=")}
                                   << "'' is no state number.";
     QTest::newRow("missing number") << QStringList{state} << "Missing value after '--state'.";

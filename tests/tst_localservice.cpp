@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QHash>
+#include <QRegularExpression>
 #include <QSet>
 #include <QTcpSocket>
 
@@ -58,6 +59,8 @@ private slots:
 
     void badOptionsAreRefused_data();
     void badOptionsAreRefused();
+    void theVersionIsSaid();
+    void theManualNamesEveryOption();
     void helpIsSaid();
     void theFolderIsItsOwnersAlone();
     void aFolderInUseIsRefused();
@@ -168,6 +171,12 @@ void tst_LocalService::badOptionsAreRefused_data()
     row("port missing", {QStringLiteral("--port")}, "port");
     row("limit in words", {QStringLiteral("--max-media"), QStringLiteral("1k")}, "'1k'");
     row("limit 0", {QStringLiteral("--max-media"), QStringLiteral("0")}, "'0'");
+    row("port empty", {QStringLiteral("--port=")}, "''");
+    row("limit too high", {QStringLiteral("--max-media"), QStringLiteral("9223372036854775807")},
+        "'9223372036854775807'");
+    row("seed with a value", {QStringLiteral("--seed=yes")}, "seed");
+    row("twice", {QStringLiteral("--port=1"), QStringLiteral("--port=2")}, "twice");
+    row("folder missing", {QStringLiteral("--data")}, "data");
     row("folder without a name", {QStringLiteral("--data=")}, "folder");
 }
 
@@ -181,6 +190,31 @@ void tst_LocalService::badOptionsAreRefused()
     QCOMPARE(run.output, QByteArray());
     QVERIFY2(run.errors.startsWith("kavlor-localservice: "), run.errors.constData());
     QVERIFY2(run.errors.contains(complaint), run.errors.constData());
+    QCOMPARE(run.errors.count('\n'), 1);
+}
+
+void tst_LocalService::theVersionIsSaid()
+{
+    const LocalServiceProcess::End run =
+        LocalServiceProcess::runToEnd({QStringLiteral("--version")});
+    QCOMPARE(run.exitCode, 0);
+    QCOMPARE(run.output, QByteArray("kavlor-localservice " KAVLOR_VERSION "\n"));
+    QCOMPARE(run.errors, QByteArray());
+}
+
+void tst_LocalService::theManualNamesEveryOption()
+{
+    QFile manual(QStringLiteral(TEST_DATA "/../../localservice/kavlor-localservice.1.in"));
+    QVERIFY(manual.open(QIODevice::ReadOnly));
+    const QByteArray page = manual.readAll().replace("\\-", "-");
+    const QByteArray help = LocalServiceProcess::runToEnd({QStringLiteral("--help")}).output;
+    static const QRegularExpression option(QStringLiteral("--[a-z-]+"));
+    QRegularExpressionMatchIterator options = option.globalMatch(QString::fromUtf8(help));
+    QVERIFY(options.hasNext());
+    while (options.hasNext()) {
+        const QByteArray name = options.next().captured().toLatin1();
+        QVERIFY2(page.contains(name), name.constData());
+    }
 }
 
 void tst_LocalService::helpIsSaid()
@@ -188,7 +222,7 @@ void tst_LocalService::helpIsSaid()
     const LocalServiceProcess::End run = LocalServiceProcess::runToEnd({QStringLiteral("--help")});
     QCOMPARE(run.exitCode, 0);
     QCOMPARE(run.errors, QByteArray());
-    for (const char *option : {"--port", "--data", "--seed", "--max-media", "--help"})
+    for (const char *option : {"--port", "--data", "--seed", "--max-media", "--version", "--help"})
         QVERIFY2(run.output.contains(option), option);
 }
 
