@@ -4,6 +4,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QTextStream>
 
 #include <memory>
@@ -95,6 +96,9 @@ int main(int argc, char *argv[])
     TerminationSignal termination;
     QCoreApplication::setApplicationName(QStringLiteral("kavlor-icd2-bridge"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KAVLOR_VERSION));
+    // A call of another form than the daemon's is answered with an error, which is for the caller;
+    // nobody shall fill the journal with such calls.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.dbus.integration.warning=false"));
     QObject::connect(&termination, &TerminationSignal::received, &app, &QCoreApplication::quit);
 
     QString error;

@@ -435,8 +435,10 @@ Result<int> HttpService::start(int port)
         delete static_cast<Exchange *>(*state);
         *state = nullptr;
     };
+    // With poll: over epoll the library does not see the end of a connection that comes together
+    // with its last bytes, and keeps half an upload until the silence is too long.
     m_daemon =
-        MHD_start_daemon(MHD_USE_EPOLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME, 0, nullptr,
+        MHD_start_daemon(MHD_USE_POLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME, 0, nullptr,
                          nullptr, MHD_AccessHandlerCallback(begin), this, MHD_OPTION_LISTEN_SOCKET,
                          listener, MHD_OPTION_THREAD_POOL_SIZE, loops, MHD_OPTION_CONNECTION_LIMIT,
                          connectionLimit(), MHD_OPTION_CONNECTION_MEMORY_LIMIT, connectionBytes,

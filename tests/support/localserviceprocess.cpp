@@ -28,7 +28,7 @@ LocalServiceProcess::~LocalServiceProcess()
 
 bool LocalServiceProcess::start(const QStringList &options)
 {
-    const QStringList arguments{QStringLiteral("--port"), QStringLiteral("0"),
+    const QStringList arguments{QStringLiteral("--port"), QString::number(m_wantedPort),
                                 QStringLiteral("--data"), dataDir()};
     m_process.start(m_program, arguments + options);
     QElapsedTimer waited;
@@ -52,6 +52,11 @@ LocalServiceProcess::End LocalServiceProcess::runToEnd(const QStringList &option
         return {};
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
             process.readAllStandardOutput(), process.readAllStandardError()};
+}
+
+void LocalServiceProcess::setPort(quint16 port)
+{
+    m_wantedPort = port;
 }
 
 void LocalServiceProcess::setProgram(const QString &path)

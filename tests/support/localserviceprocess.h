@@ -41,6 +41,8 @@ public:
     bool start(const QStringList &options = {});
     /** Runs the program with just these options to its end. */
     static End runToEnd(const QStringList &options);
+    /** Listens on this port from now on; 0, as it is unless set, is any free one. */
+    void setPort(quint16 port);
     /** Starts another build of the service from now on. */
     void setProgram(const QString &path);
     /** For the starts from now on. */
@@ -84,5 +86,6 @@ private:
     QTemporaryDir m_folder;
     QString m_program;
     QProcess m_process;
+    quint16 m_wantedPort = 0;
     int m_port = 0;
 };

@@ -12,6 +12,40 @@
 #include <QTest>
 #include <QTimer>
 
+namespace {
+
+// Puts off the deletion of an object that asked for it, for as long as this lives.
+class DeletionHold : public QObject
+{
+public:
+    explicit DeletionHold(QObject *object)
+        : m_object(object)
+    {
+        object->installEventFilter(this);
+    }
+    ~DeletionHold() override
+    {
+        m_object->removeEventFilter(this);
+        if (m_isHeld)
+            m_object->deleteLater();
+    }
+    Q_DISABLE_COPY_MOVE(DeletionHold)
+
+private:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() != QEvent::DeferredDelete)
+            return false;
+        m_isHeld = true;
+        return true;
+    }
+
+    QObject *m_object;
+    bool m_isHeld = false;
+};
+
+} // namespace
+
 RootWindow::RootWindow()
     : settings(folder.filePath(QStringLiteral("kavlor.conf")), QSettings::IniFormat)
 {
@@ -99,20 +133,14 @@ bool RootWindow::click(const char *name)
     return true;
 }
 
-bool RootWindow::clickAsReplyComes(const char *name, const QFrame *frame)
+bool RootWindow::clickAsReplyComes(const char *name, QFrame *frame)
 {
-    const auto *button = find<QAbstractButton>(name);
     const auto *request = frame->findChild<CHttpTolvex *>(QString(), Qt::FindDirectChildrenOnly);
-    if (!button || !request)
+    if (!request)
         return false;
     QSignalSpy results(request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
-    QObject context;
-    bool came = false;
-    // Heard last. Nothing is deleted before the event that is a member's click has ended.
-    QObject::connect(button, &QAbstractButton::clicked, &context,
-                     [&] { came = service.release() && results.wait(); });
-    QTimer::singleShot(0, &context, [&] { click(name); });
-    return QTest::qWaitFor([&] { return came; });
+    DeletionHold hold(frame);
+    return click(name) && service.release() && results.wait();
 }
 
 bool RootWindow::type(const char *name, const QString &text)

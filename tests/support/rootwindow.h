@@ -68,7 +68,7 @@ public:
      * Clicks @p name, which leaves @p frame, and lets the held reply to that frame's request come
      * before the click is through, while the frame is still there. False when it does not come.
      */
-    bool clickAsReplyComes(const char *name, const QFrame *frame);
+    bool clickAsReplyComes(const char *name, QFrame *frame);
     /** Replaces the text of @p name by keys. */
     bool type(const char *name, const QString &text);
     QString text(const char *name) const;

@@ -60,8 +60,8 @@ void WholeSystem::resumeDaemon()
 
 bool WholeSystem::startService(const QStringList &options)
 {
-    return service.start(QStringList{QStringLiteral("--port"), QString::number(servicePort())}
-                         + options);
+    service.setPort(servicePort());
+    return service.start(options);
 }
 
 QString WholeSystem::makePhoto(const QColor &ground) const
