@@ -47,7 +47,8 @@ public:
         const timeval patience = {30, 0};
         ::setsockopt(m_socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
         ::setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof(patience));
-        ::connect(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof(address));
+        m_isConnected =
+            ::connect(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof(address)) == 0;
     }
     ~Connection()
     {
@@ -60,14 +61,14 @@ public:
     bool send(const QByteArray &bytes) const
     {
         qsizetype sent = 0;
-        while (sent < bytes.size()) {
+        while (m_isConnected && sent < bytes.size()) {
             const ssize_t some = ::send(m_socket, bytes.constData() + sent,
                                         size_t(bytes.size() - sent), MSG_NOSIGNAL);
             if (some <= 0)
                 return false;
             sent += some;
         }
-        return true;
+        return m_isConnected;
     }
 
     QByteArray reply() const
@@ -85,6 +86,7 @@ public:
 
 private:
     int m_socket;
+    bool m_isConnected = false;
 };
 
 class Bench
@@ -128,6 +130,7 @@ double Bench::rate(const QByteArray &operation, const QByteArray &form) const
     std::vector<std::thread> clients;
     QElapsedTimer timer;
     timer.start();
+    clients.reserve(4);
     for (int i = 0; i < 4; ++i) {
         clients.emplace_back([&] {
             while (!isOver) {
@@ -184,6 +187,7 @@ void Bench::measureBusyPictures()
 {
     std::atomic<bool> isOver{false};
     std::vector<std::thread> clients;
+    clients.reserve(64);
     for (int i = 0; i < 64; ++i) {
         clients.emplace_back([this, i, &isOver] {
             const QByteArray bytes = request(
@@ -226,6 +230,7 @@ void Bench::measureUploads()
     std::vector<std::thread> clients;
     QElapsedTimer timer;
     timer.start();
+    clients.reserve(64);
     for (int i = 0; i < 64; ++i) {
         clients.emplace_back([&] {
             const Connection connection(m_service.port());
@@ -263,6 +268,7 @@ void Bench::measureMemory()
 void Bench::measureEnd()
 {
     std::vector<std::unique_ptr<Connection>> connections;
+    connections.reserve(1000);
     for (int i = 0; i < 1000; ++i)
         connections.push_back(std::make_unique<Connection>(m_service.port()));
     QElapsedTimer timer;

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr qsizetype mostBytes = 1024 * 1024;
+constexpr qsizetype mostBytes = 1024LL * 1024;
 constexpr qsizetype deepest = 100;
 // The toolkit takes more than a second for more than these, even in a megabyte.
 constexpr int mostTags = 100000;

@@ -67,8 +67,8 @@ const char *const tables[] = {
 // Reads nothing, but fails where a table or a column is missing.
 const char *const probes[] = {
     "SELECT id, username, password_hash, email, paypal, notify_question FROM members LIMIT 0",
-    "SELECT id, member, category, title, description, captured, media, start_price, reserve_price,"
-    " buy_price, created, ends, state, views, sold_price, buyer FROM auctions LIMIT 0",
+    ("SELECT id, member, category, title, description, captured, media, start_price, reserve_price,"
+     " buy_price, created, ends, state, views, sold_price, buyer FROM auctions LIMIT 0"),
     "SELECT id, auction, bidder, email, amount, placed FROM bids LIMIT 0",
     "SELECT id, recipient, subject, body, written FROM mails LIMIT 0",
     "SELECT secret, member, expires FROM password_links LIMIT 0",

@@ -41,7 +41,7 @@ unsigned connectionLimit()
 {
     rlimit files = {};
     getrlimit(RLIMIT_NOFILE, &files);
-    files.rlim_cur = std::min<rlim_t>(files.rlim_max, 2 * mostConnections + filesBesides);
+    files.rlim_cur = std::min<rlim_t>(files.rlim_max, 2UL * mostConnections + filesBesides);
     setrlimit(RLIMIT_NOFILE, &files);
     const rlim_t spare = files.rlim_cur > 2 * filesBesides ? files.rlim_cur - filesBesides : 200;
     return unsigned(std::min<rlim_t>(mostConnections, spare));

@@ -171,6 +171,7 @@ public:
 class Categories
 {
 public:
+    Q_DISABLE_COPY_MOVE(Categories)
     Categories()
     {
         QString list = QStringLiteral("categories\n");
@@ -197,9 +198,9 @@ public:
     }
 
     FrameStage stage;
-    CKavlorAuctionCategorize *page;
+    CKavlorAuctionCategorize *page = nullptr;
     std::unique_ptr<QSignalSpy> chosen;
-    QTableView *table;
+    QTableView *table = nullptr;
 };
 
 int position(const QAbstractScrollArea *area)

@@ -113,6 +113,7 @@ void tst_LocalServiceAccounts::manyAtOnceAreHashedOnce()
 {
     std::atomic<int> good{0};
     std::vector<std::thread> threads;
+    threads.reserve(16);
     for (int i = 0; i < 16; ++i)
         threads.emplace_back([&] { good += login("m1", "secret") == 1 ? 1 : 0; });
     for (std::thread &thread : threads)

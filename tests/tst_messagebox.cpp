@@ -342,7 +342,7 @@ public:
         if (!window.startAtHome() || !window.click("buttonUpload"))
             return nullptr;
         wizard = window.shown<CUploadMediaController>();
-        return wizard;
+        return wizard.data();
     }
 
     RootWindow window;
@@ -537,7 +537,7 @@ void tst_MessageBox::aReplyOfManyMegabytesIsShownAtOnce()
     QElapsedTimer time;
     qint64 untilOpen = -1;
     stage.dialogs.beforeNextAnswer([&] { untilOpen = time.elapsed(); });
-    const QString text(20 * 1024 * 1024, QLatin1Char('x'));
+    const QString text(20LL * 1024 * 1024, QLatin1Char('x'));
     time.start();
     QVERIFY(MessageBox::tell(&frame, QMessageBox::NoIcon, QString(), text));
     QVERIFY2(untilOpen >= 0 && untilOpen < 1000, qPrintable(QString::number(untilOpen)));

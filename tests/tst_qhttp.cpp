@@ -585,7 +585,7 @@ void tst_QHttp::anEarlierRequestIsNotHeardOfAnyMore()
 // The service gets rid of its reply, however large, and the connection does not stay.
 void tst_QHttp::theReplyToAnEarlierRequestIsTakenWholeAndFreed()
 {
-    const QByteArray large(32 * 1024 * 1024, 'x');
+    const QByteArray large(32LL * 1024 * 1024, 'x');
     m_service->expectHeld("Echo", large);
     m_service->expect("Echo", "late");
     post();
