@@ -20,8 +20,8 @@ struct ShownPhoto
  * The photo in @p fileName, scaled into @p box with its proportions kept.
  *
  * A photo of up to 256 megapixels is read at the size it is shown in, without its whole picture
- * ever being in memory, where the reader of its format can do so: JPEG, and PNG without a palette
- * that is not interlaced. The others unpack it whole first, into at most 1 GB.
+ * ever being in memory, where the reader of its format can do so: JPEG always, and in Qt 6.4 a PNG
+ * without a palette that is not interlaced. The others unpack it whole first, into at most 1 GB.
  */
 ShownPhoto readPhoto(const QString &fileName, const QSize &box);
 
