@@ -124,7 +124,10 @@ void tst_LocalServiceRecords::init()
     TestCase::init();
     m_scratch = std::make_unique<QTemporaryDir>();
     m_service = std::make_unique<LocalServiceProcess>();
-    m_service->setEnvironment(QStringLiteral("LD_PRELOAD"), QStringLiteral(KAVLOR_FAULTY_DISK));
+    // The loader takes no path with a blank in it.
+    const QString library = m_scratch->filePath(QStringLiteral("faultydisk.so"));
+    QVERIFY(QFile::copy(QStringLiteral(KAVLOR_FAULTY_DISK), library));
+    m_service->setEnvironment(QStringLiteral("LD_PRELOAD"), library);
     m_service->setEnvironment(QStringLiteral("ASAN_OPTIONS"),
                               QStringLiteral("verify_asan_link_order=0"));
     m_service->setEnvironment(QStringLiteral("KAVLOR_FAULTY_DISK"),

@@ -27,7 +27,7 @@ public:
     {
         m_object->removeEventFilter(this);
         if (m_isHeld)
-            m_object->deleteLater();
+            delete m_object; // the toolkit takes no second wish
     }
     Q_DISABLE_COPY_MOVE(DeletionHold)
 
