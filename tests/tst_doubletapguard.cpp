@@ -50,7 +50,13 @@ constexpr int oneTap = 1;
 // When the last tap ended, by the clock of QTest's mouse.
 int releasedAt = 0;
 
-// Some releases of the toolkit let that clock go on after a tap, so that nothing is a double click.
+// Not all releases of the toolkit let that clock go on after a tap, so that nothing is a double
+// click.
+void pause()
+{
+    QTest::lastMouseTimestamp = releasedAt + QTest::mouseDoubleClickInterval;
+}
+
 void goOnAtOnce()
 {
     QTest::lastMouseTimestamp = releasedAt;
@@ -79,6 +85,8 @@ void tap(QWidget *window, const QPoint &point, Way way, int count = 2)
         releasedAt = QTest::lastMouseTimestamp + moment / 2;
         QTest::mouseRelease(window->windowHandle(), Qt::LeftButton, {}, point + aside, moment / 2);
     }
+    if (way != Touch)
+        pause();
 }
 
 QPoint placeOf(QWidget *widget)
