@@ -1,6 +1,7 @@
 #include "icd2bridge.h"
 
 #include <QCoreApplication>
+#include <QDBusConnectionInterface>
 #include <QDBusError>
 
 namespace {
@@ -9,6 +10,9 @@ const char daemonName[] = "com.nokia.icd2";
 const char daemonPath[] = "/com/nokia/icd2";
 const char uiName[] = "com.nokia.icd_ui";
 const char uiPath[] = "/com/nokia/icd_ui";
+
+// The daemon's name comes last: whoever sees it finds the rest in place.
+const char *const names[] = {uiName, daemonName};
 
 } // namespace
 
@@ -22,8 +26,7 @@ Icd2Bridge::Icd2Bridge(const QDBusConnection &bus, quint32 state, QObject *paren
 
 Icd2Bridge::~Icd2Bridge()
 {
-    for (const char *name : {daemonName, uiName})
-        m_bus.unregisterService(QLatin1String(name));
+    leaveBus();
 }
 
 QString Icd2Bridge::start()
@@ -34,15 +37,59 @@ QString Icd2Bridge::start()
                   QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
                   this, SIGNAL(busLost()));
 
+    m_owners.setConnection(m_bus);
+    m_owners.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
+    for (const char *name : names)
+        m_owners.addWatchedService(QLatin1String(name));
+    connect(&m_owners, &QDBusServiceWatcher::serviceUnregistered, this, &Icd2Bridge::takeOver);
+    return takeNames();
+}
+
+// Both names or none.
+QString Icd2Bridge::takeNames()
+{
+    if (isOwnedByAnother())
+        return {};
     const auto contents = QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals;
     m_bus.registerObject(QLatin1String(daemonPath), &m_daemon, contents);
     m_bus.registerObject(QLatin1String(uiPath), &m_ui, contents);
-    // The daemon's name comes last: whoever sees it finds the rest in place.
-    for (const char *name : {uiName, daemonName}) {
-        if (!m_bus.registerService(QLatin1String(name)))
-            return tr("cannot own the name %1 on the bus").arg(QLatin1String(name));
+    for (const char *name : names) {
+        if (m_bus.registerService(QLatin1String(name)))
+            continue;
+        leaveBus();
+        // Somebody may have been quicker.
+        return isOwnedByAnother()
+            ? QString()
+            : tr("cannot own the name %1 on the bus").arg(QLatin1String(name));
     }
     return {};
+}
+
+// Tells of the first name that another program owns. The bridge must own none when it asks.
+bool Icd2Bridge::isOwnedByAnother()
+{
+    for (const char *name : names) {
+        if (m_bus.interface()->isServiceRegistered(QLatin1String(name))) {
+            emit staysAway(QLatin1String(name));
+            return true;
+        }
+    }
+    return false;
+}
+
+void Icd2Bridge::takeOver()
+{
+    const QString error = takeNames();
+    if (!error.isEmpty())
+        emit failed(error);
+}
+
+void Icd2Bridge::leaveBus()
+{
+    for (const char *name : names)
+        m_bus.unregisterService(QLatin1String(name));
+    for (const char *path : {uiPath, daemonPath})
+        m_bus.unregisterObject(QLatin1String(path));
 }
 
 void Icd2Bridge::setState(quint32 state)

@@ -20,9 +20,14 @@ struct Options
     std::optional<quint32> state; // fixed, or else the desktop's
 };
 
-int fail(ExitCode code, const QString &message)
+void tell(const QString &message)
 {
     QTextStream(stderr) << QCoreApplication::applicationName() << ": " << message << Qt::endl;
+}
+
+int fail(ExitCode code, const QString &message)
+{
+    tell(message);
     return code;
 }
 
@@ -118,6 +123,12 @@ int main(int argc, char *argv[])
     QObject::connect(&bridge, &Icd2Bridge::busLost, &app, [] {
         QCoreApplication::exit(
             fail(Failed, QCoreApplication::translate("main", "the bus has gone")));
+    });
+    QObject::connect(&bridge, &Icd2Bridge::failed, &app,
+                     [](const QString &reason) { QCoreApplication::exit(fail(Failed, reason)); });
+    QObject::connect(&bridge, &Icd2Bridge::staysAway, &app, [](const QString &name) {
+        tell(QCoreApplication::translate("main", "%1 has an owner, whose end is waited for")
+                 .arg(name));
     });
     error = bridge.start();
     if (!error.isEmpty())

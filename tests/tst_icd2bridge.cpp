@@ -1,5 +1,6 @@
 #include "connector.h"
 #include "privatebus.h"
+#include "processmemory.h"
 #include "testcase.h"
 #include "testmain.h"
 #include "testpaths.h"
@@ -127,7 +128,10 @@ private slots:
     void wrongOptionsAreErrors();
     void helpAndVersionAreNoErrors_data();
     void helpAndVersionAreNoErrors();
-    void failsWhenANameIsTaken();
+    void staysAwayFromARealDaemonAndTakesOverFromIt_data();
+    void staysAwayFromARealDaemonAndTakesOverFromIt();
+    void onlyItsOwnUserMayOwnTheNames();
+    void aFloodOfCallsFillsNoMemory();
     void failsWithoutABus();
     void signalsEndIt_data();
     void signalsEndIt();
@@ -401,18 +405,61 @@ void tst_Icd2Bridge::helpAndVersionAreNoErrors()
     QCOMPARE(m_bridge->readAllStandardError(), QByteArray());
 }
 
-void tst_Icd2Bridge::failsWhenANameIsTaken()
+void tst_Icd2Bridge::staysAwayFromARealDaemonAndTakesOverFromIt_data()
 {
+    QTest::addColumn<QString>("owned");
+
+    QTest::newRow("daemon") << daemonName;
+    QTest::newRow("chooser") << uiName;
+}
+
+void tst_Icd2Bridge::staysAwayFromARealDaemonAndTakesOverFromIt()
+{
+    QFETCH(QString, owned);
+
     QDBusConnection bus = QDBusConnection::systemBus();
-    for (const char *name : {daemonName, uiName}) {
-        QVERIFY(bus.registerService(QLatin1String(name)));
-        QVERIFY(run({QStringLiteral("--state"), QStringLiteral("2")}));
-        QVERIFY(bus.unregisterService(QLatin1String(name)));
-        QCOMPARE(m_bridge->exitCode(), 1);
-        QCOMPARE(QString::fromUtf8(m_bridge->readAllStandardError()),
-                 QStringLiteral("kavlor-icd2-bridge: cannot own the name %1 on the bus\n")
-                     .arg(QLatin1String(name)));
-    }
+    QVERIFY(bus.registerService(owned));
+    m_bridge->start(QStringLiteral(KAVLOR_BRIDGE),
+                    {QStringLiteral("--state"), QStringLiteral("2")});
+    QByteArray said;
+    QTRY_VERIFY((said += m_bridge->readAllStandardError()).endsWith('\n'));
+    QCOMPARE(QString::fromUtf8(said),
+             QStringLiteral("kavlor-icd2-bridge: %1 has an owner, whose end is waited for\n")
+                 .arg(owned));
+    QCOMPARE(int(isOwned(daemonName)) + int(isOwned(uiName)), 1);
+
+    QVERIFY(bus.unregisterService(owned));
+    QTRY_VERIFY(isOwned(daemonName));
+    QVERIFY(isOwned(uiName));
+    QCOMPARE(callDaemon("state_req").arguments(), (QList<QVariant>{1U}));
+}
+
+// By the bus's rules only the bridge's own user may own the names, which the user of a test is not.
+void tst_Icd2Bridge::onlyItsOwnUserMayOwnTheNames()
+{
+    PrivateBus bus;
+    QVERIFY(bus.startBeside(QStringLiteral(KAVLOR_BRIDGE_POLICY)));
+    QVERIFY(run(
+        {QStringLiteral("--state"), QStringLiteral("2"), QStringLiteral("--bus"), bus.address()}));
+    QCOMPARE(m_bridge->exitCode(), 1);
+    QCOMPARE(m_bridge->readAllStandardError(),
+             QByteArray("kavlor-icd2-bridge: cannot own the name com.nokia.icd_ui on the bus\n"));
+}
+
+void tst_Icd2Bridge::aFloodOfCallsFillsNoMemory()
+{
+    QVERIFY(start({QStringLiteral("--state"), QStringLiteral("2")}));
+    const QDBusMessage request =
+        QDBusMessage::createMethodCall(QLatin1String(daemonName), QStringLiteral("/com/nokia/icd2"),
+                                       QLatin1String(daemonName), QStringLiteral("state_req"));
+    for (int calls = 0; calls < 300000; ++calls)
+        QDBusConnection::systemBus().send(request);
+    // It answers what comes after them.
+    constexpr int patience = 240000; // ms; all of them come before
+    QCOMPARE(QDBusConnection::systemBus().call(request, QDBus::Block, patience).arguments(),
+             (QList<QVariant>{1U}));
+    const qint64 most = peakMemoryOf(m_bridge->processId());
+    QVERIFY2(most > 0 && most < 60 * 1024, qPrintable(QString::number(most)));
 }
 
 void tst_Icd2Bridge::failsWithoutABus()

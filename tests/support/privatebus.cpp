@@ -22,6 +22,7 @@ const char configuration[] =
     <allow eavesdrop="true"/>
     <allow own="*"/>
   </policy>
+  %2
 </busconfig>
 )";
 
@@ -43,16 +44,30 @@ void PrivateBus::stop()
 
 bool PrivateBus::start()
 {
+    qputenv("HOME", QFile::encodeName(home()));
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(home()));
+    if (!startDaemon({}))
+        return false;
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_address.toLatin1());
+    qputenv("DBUS_SESSION_BUS_ADDRESS", m_address.toLatin1());
+    return true;
+}
+
+bool PrivateBus::startBeside(const QString &policy)
+{
+    return startDaemon(QStringLiteral("<include>%1</include>").arg(policy.toHtmlEscaped()));
+}
+
+bool PrivateBus::startDaemon(const QString &included)
+{
     const QString name =
         QStringLiteral("kavlor-test-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
     QFile file(m_home.filePath(QStringLiteral("bus.conf")));
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    file.write(QString::fromLatin1(configuration).arg(name).toUtf8());
+    file.write(QString::fromLatin1(configuration).arg(name, included).toUtf8());
     file.close();
 
-    qputenv("HOME", QFile::encodeName(home()));
-    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(home()));
     m_daemon.setStandardErrorFile(QProcess::nullDevice());
     // Not even a crash of the test leaves the bus behind.
     m_daemon.setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
@@ -64,8 +79,6 @@ bool PrivateBus::start()
             return false;
     }
     m_address = QString::fromLatin1(m_daemon.readLine().trimmed());
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_address.toLatin1());
-    qputenv("DBUS_SESSION_BUS_ADDRESS", m_address.toLatin1());
     return true;
 }
 

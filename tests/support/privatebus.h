@@ -20,6 +20,11 @@ public:
 
     /** False when there is no dbus-daemon or it does not start. */
     bool start();
+    /**
+     * Starts it with the rules of the file @p policy after its own, for nobody but who is given its
+     * address: the environment stays as it is.
+     */
+    bool startBeside(const QString &policy);
     /** Ends the bus under whoever uses it. */
     void stop();
     QString address() const;
@@ -29,6 +34,8 @@ public:
     static bool gconfTool(const QStringList &arguments);
 
 private:
+    bool startDaemon(const QString &included);
+
     QTemporaryDir m_home;
     QProcess m_daemon;
     QString m_address;

@@ -2,14 +2,28 @@
 
 #include <QFile>
 
-qint64 peakMemory()
+namespace {
+
+qint64 peakMemoryIn(const QString &status)
 {
-    QFile file(QStringLiteral("/proc/self/status"));
+    QFile file(status);
     if (!file.open(QIODevice::ReadOnly))
         return 0;
-    const QByteArray status = file.readAll();
-    const qsizetype start = status.indexOf("VmHWM:") + 6;
-    return status.mid(start, status.indexOf("kB", start) - start).trimmed().toLongLong();
+    const QByteArray text = file.readAll();
+    const qsizetype start = text.indexOf("VmHWM:") + 6;
+    return text.mid(start, text.indexOf("kB", start) - start).trimmed().toLongLong();
+}
+
+} // namespace
+
+qint64 peakMemory()
+{
+    return peakMemoryIn(QStringLiteral("/proc/self/status"));
+}
+
+qint64 peakMemoryOf(qint64 id)
+{
+    return peakMemoryIn(QStringLiteral("/proc/%1/status").arg(id));
 }
 
 bool resetPeakMemory()

@@ -6,3 +6,5 @@
 qint64 peakMemory();
 /** Lets the peak begin anew with what is held now. False where the system does not allow it. */
 bool resetPeakMemory();
+/** The most memory that the process @p id has held, in KiB; 0 when there is none. */
+qint64 peakMemoryOf(qint64 id);
