@@ -1,9 +1,16 @@
 #include "connectionwait.h"
 
+#include "connector.h"
+#include "timeconstants.h"
+
 #include <QCoreApplication>
 #include <QEvent>
+#include <QEventLoop>
 #include <QThread>
+#include <QTimer>
 #include <QVariant>
+
+#include <utility>
 
 namespace {
 
@@ -22,8 +29,12 @@ bool isOpen(const QObject *window)
 
 } // namespace
 
-ConnectionWait::ConnectionWait(const QObject *waiting)
-    : m_window(outermost(waiting))
+ConnectionWait::ConnectionWait(const QObject *waiting, CConnector *connector,
+                               std::function<bool()> isOver)
+    : m_waiting(waiting)
+    , m_connector(connector)
+    , m_isOver(std::move(isOver))
+    , m_window(outermost(waiting))
     , m_hadWindow(isOpen(m_window))
     , m_loopLevel(QThread::currentThread()->loopLevel())
 {
@@ -41,9 +52,43 @@ ConnectionWait::~ConnectionWait()
     }
 }
 
+bool ConnectionWait::run(bool askAtOnce)
+{
+    // At the program's start the daemon's reports may still be on their way.
+    QCoreApplication::processEvents();
+    if (!askAtOnce)
+        waitForState();
+    if (isWaiting() && m_connector)
+        m_connector->smartConnect();
+    while (isWaiting())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return !isPointless();
+}
+
+// Nobody waits any more.
 bool ConnectionWait::isPointless() const
 {
-    return m_quitting || (m_hadWindow && !isOpen(m_window));
+    return !m_waiting || m_quitting || (m_hadWindow && !isOpen(m_window));
+}
+
+bool ConnectionWait::isWaiting() const
+{
+    return !isPointless() && !m_isOver();
+}
+
+bool ConnectionWait::isStateComing() const
+{
+    return m_connector && !m_connector->isStateKnown();
+}
+
+void ConnectionWait::waitForState()
+{
+    QTimer overdue; // wakes the loop
+    overdue.setSingleShot(true);
+    overdue.setTimerType(Qt::PreciseTimer);
+    overdue.start(timeConstants().stateAnswerWait);
+    while (isWaiting() && isStateComing() && overdue.isActive())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 
 bool ConnectionWait::eventFilter(QObject *watched, QEvent *event)

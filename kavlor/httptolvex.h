@@ -10,12 +10,10 @@
 class CConnector;
 class CKavlorNotificationOptions;
 class CKavlorUser;
-class ConnectionWait;
 class QAuthenticator;
 class QHttp;
 class QHttpRequestHeader;
 class QTemporaryFile;
-class QUrl;
 struct CAuctionRecord;
 
 /**
@@ -79,10 +77,6 @@ public slots:
     void onConnectionSetupTimeout();
 
 protected:
-    /** The percent-encoded path of @p url as a request names it; "/" when it has none. */
-    static QString requestPath(const QUrl &url);
-    /** The header that every request begins with. */
-    QHttpRequestHeader requestHeader(const QString &path) const;
     void postForm(const QString &operationPath, const QByteArray &body, bool textReply);
     /** Waits for a connection when there is none, then sends. The object may be gone after it. */
     virtual void send(const QHttpRequestHeader &header, const QByteArray &body,
@@ -90,8 +84,6 @@ protected:
 
 private:
     bool waitForConnection();
-    void waitForState(const ConnectionWait &wait);
-    bool isWaiting(const ConnectionWait &wait) const;
     void dropTempFile();
 
     const QString m_baseUrl;
@@ -106,5 +98,5 @@ private:
     QPointer<CConnector> m_connector; // process-wide; may be missing
     bool m_setupTimedOut = false;
     bool m_connected = false;
-    bool m_stateOverdue = false; // the daemon had its time to tell the state
+    bool m_daemonIsSilent = false; // it had its time to tell the state
 };

@@ -4,7 +4,6 @@
 #include "kavloruser.h"
 #include "onlineconnector.h"
 #include "processmemory.h"
-#include "qhttprequestheader.h"
 #include "scriptedservice.h"
 #include "testcase.h"
 #include "testconstants.h"
@@ -18,11 +17,9 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTemporaryFile>
-#include <QUrl>
 
 #include <cerrno>
 #include <climits>
-#include <cstdlib>
 #include <functional>
 
 #include <sys/resource.h>
@@ -36,8 +33,6 @@ class Probe : public CHttpTolvex
 {
 public:
     using CHttpTolvex::postForm;
-    using CHttpTolvex::requestHeader;
-    using CHttpTolvex::requestPath;
 };
 
 CKavlorUser member(const QString &password)
@@ -83,14 +78,6 @@ QByteArray contents(const QString &path)
 QByteArray boundaryOf(const ScriptedService::Request &request)
 {
     return request.header("Content-type").mid(qstrlen("multipart/form-data, boundary="));
-}
-
-// The head of the media part: from its disposition to its empty line.
-QByteArray mediaHeadOf(const ScriptedService::Request &request)
-{
-    const qsizetype start =
-        request.body.indexOf("Content-Disposition: form-data; name=\"MediaFile");
-    return request.body.mid(start, request.body.indexOf("\r\n\r\n", start) - start);
 }
 
 using Operation = std::function<void(CHttpTolvex &)>;
@@ -156,12 +143,7 @@ private slots:
     void anUploadHoldsTheFileOnce();
     void requestBytes_data();
     void requestBytes();
-    void mediaNameIsTheExtension_data();
-    void mediaNameIsTheExtension();
-    void mediaPathWithoutAnyDotIsAnnouncedWhole();
     void bodyEndsWithTheClosingBoundary();
-    void captureDateIsLocalTime();
-    void boundaryIsOfTheStandardGenerator();
     void everyUploadHasABoundaryOfItsOwn();
     void aLargeFileArrivesWhole();
     void unreadableMediaFileIsReportedAndNothingSent_data();
@@ -171,9 +153,6 @@ private slots:
     void aFileTooLargeForTheMemoryIsReportedAndNothingSent();
     void emptyOperationPathIsSentAsASlash();
     void pathIsEncoded();
-    void pathKeepsItsPermittedCharacters();
-    void hostFieldNamesThePort_data();
-    void hostFieldNamesThePort();
     void userOfTheHostGoesWithTheRequest();
     void onlyTheFirstFourOptionsAreSent();
 
@@ -305,67 +284,6 @@ void tst_HttpTolvex::requestBytes()
     QCOMPARE(request.raw, ScriptedService::asSent(expected));
 }
 
-void tst_HttpTolvex::mediaNameIsTheExtension_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QByteArray>("announced");
-    QTest::newRow("photo") << QStringLiteral("photo.jpg") << QByteArray("1.jpg");
-    QTest::newRow("upper case") << QStringLiteral("IMG_1.JPG") << QByteArray("1.JPG");
-    QTest::newRow("two dots") << QStringLiteral("clip.old.mp4") << QByteArray("1.mp4");
-    QTest::newRow("dot at the end") << QStringLiteral("photo.") << QByteArray("1.");
-    QTest::newRow("dot only in a folder")
-        << QStringLiteral("100.dir/photo") << QByteArray("1.dir/photo");
-    QTest::newRow("not ASCII") << QStringLiteral("a.\u00fc") << QByteArray("1.\xc3\xbc");
-    QTest::newRow("per cent") << QStringLiteral("a.%1%2") << QByteArray("1.%1%2");
-}
-
-void tst_HttpTolvex::mediaNameIsTheExtension()
-{
-    QFETCH(QString, path);
-    QFETCH(QByteArray, announced);
-    QTemporaryDir folder;
-    const QString fullPath = folder.filePath(path);
-    QVERIFY(QDir().mkpath(QFileInfo(fullPath).path()));
-    QFile media(fullPath);
-    QVERIFY(media.open(QIODevice::WriteOnly));
-    QCOMPARE(media.write("twelve bytes"), 12);
-    media.close();
-
-    ScriptedService service;
-    service.expect("CreateAuction", "1");
-    CHttpTolvex http;
-    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
-    CAuctionRecord auction;
-    auction.mediaPath = fullPath;
-    http.createAuction(nobody(), auction);
-    QTRY_COMPARE(results.size(), 1);
-    QCOMPARE(mediaHeadOf(service.requests().constFirst()),
-             "Content-Disposition: form-data; name=\"MediaFile\"; filename=\"" + announced
-                 + "\"\r\nContent-length: 12\r\nContent-Type: application/octet-stream");
-}
-
-void tst_HttpTolvex::mediaPathWithoutAnyDotIsAnnouncedWhole()
-{
-    QTemporaryDir folder;
-    const QString oldFolder = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(folder.path()));
-    QVERIFY(QDir().mkdir(QStringLiteral("dcim")));
-    QFile media(QStringLiteral("dcim/photo"));
-    QVERIFY(media.open(QIODevice::WriteOnly));
-    media.close();
-
-    ScriptedService service;
-    service.expect("CreateAuction", "1");
-    CHttpTolvex http;
-    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
-    CAuctionRecord auction;
-    auction.mediaPath = media.fileName();
-    http.createAuction(nobody(), auction);
-    QVERIFY(QDir::setCurrent(oldFolder));
-    QTRY_COMPARE(results.size(), 1);
-    QVERIFY(mediaHeadOf(service.requests().constFirst()).contains("filename=\"1dcim/photo\""));
-}
-
 void tst_HttpTolvex::bodyEndsWithTheClosingBoundary()
 {
     ScriptedService service;
@@ -378,37 +296,6 @@ void tst_HttpTolvex::bodyEndsWithTheClosingBoundary()
     QVERIFY(request.body.endsWith("\r\n--" + boundaryOf(request) + "--\r\n"));
     QVERIFY(request.body.contains("\r\nContent-length: "));
     QCOMPARE(request.body.size(), request.header("Content-Length").toLongLong());
-}
-
-void tst_HttpTolvex::captureDateIsLocalTime()
-{
-    ScriptedService service;
-    service.expect("CreateAuction", "1");
-    CHttpTolvex http;
-    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
-    CAuctionRecord auction = photoAuction();
-    auction.captureDate = auction.captureDate.toOffsetFromUtc(5 * 3600);
-    http.createAuction(nobody(), auction);
-    QTRY_COMPARE(results.size(), 1);
-    QVERIFY(service.requests().constFirst().body.contains(
-        "name=\"CaptureDate\"\r\n\r\n20110713130509\r\n"));
-}
-
-void tst_HttpTolvex::boundaryIsOfTheStandardGenerator()
-{
-    std::srand(7);
-    QByteArray bytes;
-    for (int i = 0; i < 16; ++i)
-        bytes.append(static_cast<char>(std::rand() & 0xff));
-
-    ScriptedService service;
-    service.expect("CreateAuction", "1");
-    CHttpTolvex http;
-    QSignalSpy results(&http, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
-    std::srand(7);
-    http.createAuction(nobody(), photoAuction());
-    QTRY_COMPARE(results.size(), 1);
-    QCOMPARE(boundaryOf(service.requests().constFirst()), bytes.toHex());
 }
 
 void tst_HttpTolvex::everyUploadHasABoundaryOfItsOwn()
@@ -512,8 +399,6 @@ void tst_HttpTolvex::aFileTooLargeForTheMemoryIsReportedAndNothingSent()
 
 void tst_HttpTolvex::emptyOperationPathIsSentAsASlash()
 {
-    QCOMPARE(Probe::requestPath(QUrl(QStringLiteral("http://example.org"))), QStringLiteral("/"));
-
     ScriptedService service;
     ScriptedService::Step step;
     step.bytes = ScriptedService::reply("ok");
@@ -537,34 +422,6 @@ void tst_HttpTolvex::pathIsEncoded()
     QTRY_COMPARE(results.size(), 1);
     QCOMPARE(service.requests().constFirst().requestLine,
              QByteArray("POST /tolvex/Get%20%C3%BC%5B1%5D/ HTTP/1.1"));
-}
-
-void tst_HttpTolvex::pathKeepsItsPermittedCharacters()
-{
-    QCOMPARE(Probe::requestPath(QUrl(QStringLiteral("http://h/a!$&'()*+,;=:@/-._~b"))),
-             QStringLiteral("/a!$&'()*+,;=:@/-._~b"));
-}
-
-void tst_HttpTolvex::hostFieldNamesThePort_data()
-{
-    QTest::addColumn<QString>("serviceHost");
-    QTest::addColumn<QString>("field");
-    QTest::newRow("port") << QStringLiteral("example.org:8470")
-                          << QStringLiteral("example.org:8470");
-    QTest::newRow("no port") << QStringLiteral("example.org") << QStringLiteral("example.org");
-    QTest::newRow("IPv6") << QStringLiteral("[::1]:81") << QStringLiteral("[::1]:81");
-    QTest::newRow("user") << QStringLiteral("m1:secret@example.org:81")
-                          << QStringLiteral("example.org:81");
-}
-
-void tst_HttpTolvex::hostFieldNamesThePort()
-{
-    QFETCH(QString, serviceHost);
-    QFETCH(QString, field);
-    setServiceHost(serviceHost);
-    const Probe http;
-    const QHttpRequestHeader header = http.requestHeader(QStringLiteral("/"));
-    QCOMPARE(header.value(QStringLiteral("Host")), field);
 }
 
 void tst_HttpTolvex::userOfTheHostGoesWithTheRequest()

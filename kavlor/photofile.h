@@ -5,8 +5,8 @@
 #include <QString>
 
 /**
- * Reads pictures that nobody has looked at yet, in bounded memory: what a file of a few bytes
- * announces may take gigabytes once it is unpacked.
+ * Reads a member's photos, which nobody has looked at yet, in bounded memory: what a file of a few
+ * bytes announces may take gigabytes once it is unpacked.
  */
 
 /** A picture as it is shown, and the size it has in its file. */
@@ -24,9 +24,3 @@ struct ShownPhoto
  * without a palette that is not interlaced. The others unpack it whole first, into at most 1 GB.
  */
 ShownPhoto readPhoto(const QString &fileName, const QSize &box);
-
-/**
- * The picture of a reply, at most as large as @p bounds; null when there is none to read, or when
- * it would take more than 64 MB unpacked, its texts included.
- */
-QImage readReplyImage(const QString &fileName, const QSize &bounds);

@@ -1,8 +1,9 @@
-#include "imagefile.h"
+#include "replyimage.h"
 
 #include <QBuffer>
 #include <QFile>
 #include <QImageReader>
+#include <QSize>
 #include <QtEndian>
 
 #include <array>
@@ -11,33 +12,8 @@
 
 namespace {
 
-constexpr qint64 maxPhotoPixels = 256'000'000;
-constexpr int maxPhotoMegabytes = 1024; // what as many pixels take
+constexpr QSize shownBounds(220, 220);
 constexpr qint64 maxReplyBytes = 64LL * 1024 * 1024;
-
-// The toolkit refuses larger pictures; its limit is one for the whole program, and so only lifted
-// for as long as one picture is read.
-class AllocationLimit
-{
-public:
-    explicit AllocationLimit(int megabytes)
-    {
-        QImageReader::setAllocationLimit(megabytes);
-    }
-    ~AllocationLimit()
-    {
-        QImageReader::setAllocationLimit(m_before);
-    }
-    Q_DISABLE_COPY_MOVE(AllocationLimit)
-
-private:
-    const int m_before = QImageReader::allocationLimit();
-};
-
-qint64 pixelCount(const QSize &size)
-{
-    return qint64(size.width()) * size.height();
-}
 
 // What the image takes once it is unpacked.
 qint64 unpackedBytes(const QImageReader &reader)
@@ -47,7 +23,8 @@ qint64 unpackedBytes(const QImageReader &reader)
     const int depth = format == QImage::Format_Invalid
         ? 32
         : qMax<int>(32, QImage::toPixelFormat(format).bitsPerPixel());
-    return pixelCount(reader.size()) * depth / 8;
+    const QSize size = reader.size();
+    return qint64(size.width()) * size.height() * depth / 8;
 }
 
 // What the compressed data takes once it is unpacked, looked at up to the limit and a little more.
@@ -120,34 +97,9 @@ QByteArray withoutTexts(const QByteArray &file, qint64 *textBytes)
     return picture;
 }
 
-// The size in which a picture of the first size fills the box; never without pixels.
-QSize fitted(const QSize &size, const QSize &box)
-{
-    return size.scaled(box, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
-}
-
 } // namespace
 
-ShownPhoto readPhoto(const QString &fileName, const QSize &box)
-{
-    QImageReader reader(fileName);
-    const QSize announced = reader.size(); // invalid where the format does not tell
-    if (announced.isValid() && pixelCount(announced) > maxPhotoPixels)
-        return {};
-    const QSize shown = fitted(announced, box);
-    if (announced.isValid() && pixelCount(announced) > pixelCount(shown)
-        && reader.supportsOption(QImageIOHandler::ScaledSize))
-        reader.setScaledSize(shown);
-
-    const AllocationLimit limit(maxPhotoMegabytes);
-    const QImage image = reader.read();
-    if (image.isNull())
-        return {};
-    return {image.scaled(box, Qt::KeepAspectRatio, Qt::FastTransformation),
-            announced.isValid() ? announced : image.size()};
-}
-
-QImage readReplyImage(const QString &fileName, const QSize &bounds)
+QImage readReplyImage(const QString &fileName)
 {
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly) || file.size() > maxReplyBytes)
@@ -164,5 +116,5 @@ QImage readReplyImage(const QString &fileName, const QSize &bounds)
     const QImage image = reader.read();
     if (image.isNull())
         return {};
-    return image.scaled(bounds, Qt::KeepAspectRatio, Qt::FastTransformation);
+    return image.scaled(shownBounds, Qt::KeepAspectRatio, Qt::FastTransformation);
 }

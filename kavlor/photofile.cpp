@@ -1,0 +1,59 @@
+#include "photofile.h"
+
+#include <QImageReader>
+
+namespace {
+
+constexpr qint64 maxPhotoPixels = 256'000'000;
+constexpr int maxPhotoMegabytes = 1024; // what as many pixels take
+
+// The toolkit refuses larger pictures; its limit is one for the whole program, and so only lifted
+// for as long as one picture is read.
+class AllocationLimit
+{
+public:
+    explicit AllocationLimit(int megabytes)
+    {
+        QImageReader::setAllocationLimit(megabytes);
+    }
+    ~AllocationLimit()
+    {
+        QImageReader::setAllocationLimit(m_before);
+    }
+    Q_DISABLE_COPY_MOVE(AllocationLimit)
+
+private:
+    const int m_before = QImageReader::allocationLimit();
+};
+
+qint64 pixelCount(const QSize &size)
+{
+    return qint64(size.width()) * size.height();
+}
+
+// The size in which a picture of the first size fills the box; never without pixels.
+QSize fitted(const QSize &size, const QSize &box)
+{
+    return size.scaled(box, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+}
+
+} // namespace
+
+ShownPhoto readPhoto(const QString &fileName, const QSize &box)
+{
+    QImageReader reader(fileName);
+    const QSize announced = reader.size(); // invalid where the format does not tell
+    if (announced.isValid() && pixelCount(announced) > maxPhotoPixels)
+        return {};
+    const QSize shown = fitted(announced, box);
+    if (announced.isValid() && pixelCount(announced) > pixelCount(shown)
+        && reader.supportsOption(QImageIOHandler::ScaledSize))
+        reader.setScaledSize(shown);
+
+    const AllocationLimit limit(maxPhotoMegabytes);
+    const QImage image = reader.read();
+    if (image.isNull())
+        return {};
+    return {image.scaled(box, Qt::KeepAspectRatio, Qt::FastTransformation),
+            announced.isValid() ? announced : image.size()};
+}
