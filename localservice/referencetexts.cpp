@@ -42,13 +42,15 @@ QByteArray serviceTerms()
          "account that breaks these terms. Auctions that have ended stay valid."},
     };
 
+    // The client shows a text of 10 points in 22, and other sizes as they are: so the headings are
+    // larger than that.
     const QByteArray text = "<p style='font-size:10.0pt'>";
     QByteArray terms = "<html><head><title>Terms of Service</title></head><body>\n"
-                       "<h2 style='font-size:14.0pt'>Terms of Service</h2>\n";
+                       "<h2 style='font-size:28.0pt'>Terms of Service</h2>\n";
     terms += text + "Please read these terms before you create an account.</p>\n";
     int number = 0;
     for (const auto &section : sections) {
-        terms += "<p style='font-size:12.0pt'><b>" + QByteArray::number(++number) + ". "
+        terms += "<p style='font-size:24.0pt'><b>" + QByteArray::number(++number) + ". "
             + section[0] + "</b></p>\n" + text + section[1] + "</p>\n";
     }
     terms += text + "<i>Thank you for selling with us.</i></p>\n</body></html>\n";

@@ -42,6 +42,7 @@ private slots:
     void theStripSweepsFromItsFirstCell();
     void aLoginWithoutPasswordIsNotValidated();
     void handsOverOnlyOnce();
+    void theLegalNoticeIsOneLine();
 
 private:
     static QString message(const RootWindow &window);
@@ -486,6 +487,18 @@ void tst_KavlorSplashWindow::handsOverOnlyOnce()
     QVERIFY(window.startAtWelcome());
     QTRY_VERIFY(!window.root()->findChild<CKavlorSplashWindow *>());
     QCOMPARE(window.root()->findChildren<FrameWelcomeKavlor *>().size(), 1);
+}
+
+void tst_KavlorSplashWindow::theLegalNoticeIsOneLine()
+{
+    RootWindow window;
+    window.service.expectHeld("GetServiceTerms", "terms");
+    window.start();
+    window.root()->resize(800, 424);
+    const auto *notice = window.find<QLabel>("labelLegalNotice");
+    QVERIFY(notice);
+    QTRY_VERIFY(notice->width() > 0 && notice->width() <= 800);
+    QVERIFY(notice->fontMetrics().horizontalAdvance(notice->text()) <= notice->width());
 }
 
 KAVLOR_TEST_MAIN(tst_KavlorSplashWindow)

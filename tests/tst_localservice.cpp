@@ -69,6 +69,7 @@ private slots:
     void seedingFillsAnEmptyServiceOnce();
 
     void termsAreHtmlWithInlineSizes();
+    void headingsOfTheTermsAreLargerThanTheirText();
     void countriesAreListed();
     void categoriesMakeATree();
     void aLoginIsValidatedWithOneAndNothingElse();
@@ -301,6 +302,22 @@ void tst_LocalService::termsAreHtmlWithInlineSizes()
     QVERIFY(terms.startsWith("<html>"));
     QVERIFY(!terms.contains("ERROR"));
     QVERIFY(terms.count("style='font-size:10.0pt'") > 5);
+}
+
+void tst_LocalService::headingsOfTheTermsAreLargerThanTheirText()
+{
+    const QString terms = QString::fromUtf8(post("GetServiceTerms", "SUBMIT=Submit"));
+    constexpr double shownText = 22; // points; what the client makes of a text's 10
+    static const QRegularExpression size(QStringLiteral("font-size:([0-9.]+)pt"));
+    int headings = 0;
+    for (auto each = size.globalMatch(terms); each.hasNext();) {
+        const QString points = each.next().captured(1);
+        if (points == QLatin1String("10.0"))
+            continue;
+        ++headings;
+        QVERIFY2(points.toDouble() > shownText, qPrintable(points));
+    }
+    QVERIFY(headings > 1);
 }
 
 void tst_LocalService::countriesAreListed()
