@@ -1,9 +1,9 @@
 #include "accounts.h"
 
+#include "localclock.h"
 #include "mailoutbox.h"
 #include "passwords.h"
 
-#include <QDateTime>
 #include <QRegularExpression>
 
 namespace {
@@ -75,7 +75,7 @@ Result<qint64> memberOfLink(Database::Session &session, const QByteArray &secret
 {
     const Result<Database::Rows> found = session.select(
         QStringLiteral("SELECT member FROM password_links WHERE secret = ? AND expires > ?"),
-        {QString::fromLatin1(fingerprint(secret)), QDateTime::currentSecsSinceEpoch()});
+        {QString::fromLatin1(fingerprint(secret)), LocalClock::now()});
     if (!found.isOk())
         return found.failure();
     return found.value().value(0).value(0).toLongLong();
@@ -218,7 +218,7 @@ Result<void> Accounts::mailPasswordLink(const QString &nameOrEmail, const QStrin
 {
     if (nameOrEmail.isEmpty())
         return {};
-    const qint64 now = QDateTime::currentSecsSinceEpoch();
+    const qint64 now = LocalClock::now();
     Database::Session session(m_database, Database::Writing);
     session.change(QStringLiteral("DELETE FROM password_links WHERE expires <= ?"), {now});
     const Result<Database::Rows> members = session.select(

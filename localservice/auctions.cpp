@@ -1,6 +1,7 @@
 #include "auctions.h"
 
 #include "categories.h"
+#include "localclock.h"
 #include "mailoutbox.h"
 
 #include <QRegularExpression>
@@ -11,11 +12,6 @@ constexpr qint64 runningSeconds = 7L * 24 * 60 * 60;
 constexpr int maxDescription = 20000;
 constexpr int maxQuestion = 2000;
 constexpr int maxWords = 10;
-
-qint64 now()
-{
-    return QDateTime::currentSecsSinceEpoch();
-}
 
 bool isPrice(qint64 price)
 {
@@ -92,7 +88,7 @@ Auctions::Auction fromRow(const Database::Row &row)
     auction.startPrice = row.at(7).toLongLong();
     auction.reservePrice = row.at(8).toLongLong();
     auction.buyPrice = row.at(9).toLongLong();
-    auction.ends = QDateTime::fromSecsSinceEpoch(row.at(10).toLongLong());
+    auction.ends = row.at(10).toLongLong();
     auction.state = stateOf(row.at(11).toString());
     auction.views = row.at(12).toLongLong();
     auction.soldPrice = row.at(13).toLongLong();
@@ -194,7 +190,7 @@ bool Auctions::Auction::isBuyable() const
 
 bool Auctions::Auction::isOpen() const
 {
-    return id != 0 && state == Running && ends > QDateTime::currentDateTime();
+    return id != 0 && state == Running && ends > LocalClock::now();
 }
 
 qint64 Auctions::Auction::lowestNextBid() const
@@ -234,8 +230,8 @@ Result<qint64> Auctions::create(const NewAuction &auction, const QString &media)
             " start_price, reserve_price, buy_price, created, ends)"
             " VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)"),
         {auction.member, auction.category, auction.title, auction.description, auction.captured,
-         media, auction.startPrice, auction.reservePrice, auction.buyPrice, now(),
-         now() + runningSeconds});
+         media, auction.startPrice, auction.reservePrice, auction.buyPrice, LocalClock::now(),
+         LocalClock::now() + runningSeconds});
     const qint64 id = session.addedRow();
     const Result<void> stored = session.commit();
     return stored.isOk() ? Result<qint64>(id) : stored.failure();
@@ -335,8 +331,7 @@ Result<QList<Auctions::Bid>> Auctions::bids(qint64 auction)
         return rows.failure();
     QList<Bid> found;
     for (const Database::Row &row : rows.value()) {
-        found.append({row.at(0).toString(), row.at(1).toLongLong(),
-                      QDateTime::fromSecsSinceEpoch(row.at(2).toLongLong())});
+        found.append({row.at(0).toString(), row.at(1).toLongLong(), row.at(2).toLongLong()});
     }
     return found;
 }
@@ -390,7 +385,7 @@ Result<void> Auctions::bid(qint64 id, const Buyer &buyer, qint64 amount)
     session.change(
         QStringLiteral(
             "INSERT INTO bids (auction, bidder, email, amount, placed) VALUES (?, ?, ?, ?, ?)"),
-        {id, buyer.name, buyer.email, amount, now()});
+        {id, buyer.name, buyer.email, amount, LocalClock::now()});
     alertSeller(
         session, auction, "notify_bid", QStringLiteral("A bid on your auction"),
         QStringLiteral("%1 bids USD %2 on your auction.").arg(buyer.name, QString::number(amount)));
@@ -413,7 +408,8 @@ Result<void> Auctions::buyNow(qint64 id, const Buyer &buyer)
     if (!checked.isOk())
         return checked;
     sell(session, auction, buyer, auction.buyPrice);
-    session.change(QStringLiteral("UPDATE auctions SET ends = ? WHERE id = ?"), {now(), id});
+    session.change(QStringLiteral("UPDATE auctions SET ends = ? WHERE id = ?"),
+                   {LocalClock::now(), id});
     return session.commit();
 }
 
@@ -444,7 +440,7 @@ Result<void> Auctions::endDue()
         Database::Session(m_database)
             .select(QStringLiteral(
                         "SELECT 1 FROM auctions WHERE state = 'running' AND ends <= ? LIMIT 1"),
-                    {now()});
+                    {LocalClock::now()});
     if (!due.isOk())
         return due.failure();
     if (!due.value().isEmpty())
@@ -455,8 +451,8 @@ Result<void> Auctions::endDue()
 Result<void> Auctions::recordEnds()
 {
     Database::Session session(m_database, Database::Writing);
-    const Result<QList<Auction>> due =
-        readAuctions(session, QStringLiteral("WHERE a.state = 'running' AND a.ends <= ?"), {now()});
+    const Result<QList<Auction>> due = readAuctions(
+        session, QStringLiteral("WHERE a.state = 'running' AND a.ends <= ?"), {LocalClock::now()});
     if (!due.isOk())
         return due.failure();
     for (const Auction &auction : due.value())

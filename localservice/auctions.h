@@ -3,7 +3,6 @@
 #include "database.h"
 #include "result.h"
 
-#include <QDateTime>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -47,7 +46,7 @@ public:
         qint64 startPrice = 0;
         qint64 reservePrice = 0;
         qint64 buyPrice = 0;
-        QDateTime ends;
+        qint64 ends = 0; ///< when, in seconds since 1970
         State state = Running;
         qint64 views = 0;
         qint64 bids = 0;
@@ -74,7 +73,7 @@ public:
     {
         QString bidder;
         qint64 amount = 0;
-        QDateTime placed;
+        qint64 placed = 0; ///< when, in seconds since 1970
     };
 
     /** What a visitor looks for. */

@@ -1,5 +1,7 @@
 #include "mailoutbox.h"
 
+#include "localclock.h"
+
 namespace {
 constexpr int keptMails = 500;
 }
@@ -14,7 +16,7 @@ void MailOutbox::send(Database::Session &session, const QString &recipient, cons
 {
     session.change(
         QStringLiteral("INSERT INTO mails (recipient, subject, body, written) VALUES (?, ?, ?, ?)"),
-        {recipient, subject, body, QDateTime::currentSecsSinceEpoch()});
+        {recipient, subject, body, LocalClock::now()});
     session.change(QStringLiteral("DELETE FROM mails WHERE id <= (SELECT max(id) FROM mails) - ?"),
                    {keptMails});
 }
@@ -31,7 +33,7 @@ Result<QList<MailOutbox::Mail>> MailOutbox::newest(int most)
     QList<Mail> mails;
     for (const Database::Row &row : rows.value()) {
         mails.append({row.at(0).toLongLong(), row.at(1).toString(), row.at(2).toString(),
-                      row.at(3).toString(), QDateTime::fromSecsSinceEpoch(row.at(4).toLongLong())});
+                      row.at(3).toString(), row.at(4).toLongLong()});
     }
     return mails;
 }

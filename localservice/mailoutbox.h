@@ -2,7 +2,6 @@
 
 #include "database.h"
 
-#include <QDateTime>
 #include <QList>
 #include <QString>
 
@@ -19,7 +18,7 @@ public:
         QString recipient;
         QString subject;
         QString body;
-        QDateTime written;
+        qint64 written = 0; ///< when, in seconds since 1970
     };
 
     explicit MailOutbox(Database &database);

@@ -1,18 +1,18 @@
 #include "operations.h"
 
 #include "categories.h"
+#include "localclock.h"
 #include "mediatypes.h"
 #include "referencetexts.h"
 
 #include <QFileInfo>
 #include <QHash>
-#include <QRegularExpression>
 
 #include <limits>
 
 namespace {
 
-QByteArray auctionLine(const Auctions::Auction &auction)
+QByteArray auctionLine(const Auctions::Auction &auction, const LocalClock &clock)
 {
     const qint64 metReserve = auction.isReserveMet() ? auction.reservePrice : -1;
     const bool isOver = !auction.isOpen();
@@ -23,7 +23,7 @@ QByteArray auctionLine(const Auctions::Auction &auction)
         QByteArray::number(auction.reservePrice),
         QByteArray::number(auction.buyPrice),
         QByteArray::number(auction.currentPrice()),
-        auction.ends.toString(QStringLiteral("MM/dd/yyyy hh:mm")).toLatin1(),
+        clock.text(auction.ends, "%m/%d/%Y %H:%M"),
         isOver ? "1" : "0",
         QByteArray::number(auction.views),
         QByteArray::number(auction.bids),
@@ -63,11 +63,16 @@ Operations::Reply Operations::number(const Result<qint64> &number)
 
 QByteArray Operations::item(const QString &text)
 {
-    static const QRegularExpression breaks(QStringLiteral("[\\s\\p{Cc}]+"));
-    QString line = text;
-    line.replace(breaks, QStringLiteral(" "));
-    line.replace(QLatin1Char(','), QLatin1Char(';'));
-    line.replace(QStringLiteral("ERROR"), QStringLiteral("Error"));
+    QString line;
+    line.reserve(text.size());
+    for (const QChar c : text) {
+        const bool isBreak = c == QLatin1Char(' ') || c.category() == QChar::Other_Control;
+        if (!isBreak)
+            line += c == QLatin1Char(',') ? QLatin1Char(';') : c;
+        else if (!line.endsWith(QLatin1Char(' ')))
+            line += QLatin1Char(' ');
+    }
+    line.replace(QLatin1String("ERROR"), QLatin1String("Error"));
     return line.trimmed().toUtf8();
 }
 
@@ -197,8 +202,9 @@ Operations::Reply Operations::myAuctions(qint64 member, const FormBody &form)
     const Result<QList<Auctions::Auction>> auctions = m_auctions.ofMember(member);
     if (!auctions.isOk())
         return refusal(auctions.failure());
+    const LocalClock clock;
     for (const Auctions::Auction &auction : auctions.value())
-        list += auctionLine(auction);
+        list += auctionLine(auction, clock);
     return {list, "text/plain", {}, {}};
 }
 

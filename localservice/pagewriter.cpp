@@ -1,6 +1,7 @@
 #include "pagewriter.h"
 
 #include "categories.h"
+#include "localclock.h"
 #include "mediatypes.h"
 
 #include <QLocale>
@@ -82,9 +83,9 @@ QString counted(qint64 count, const char *noun)
         + (count == 1 ? QString() : QStringLiteral("s"));
 }
 
-QString timeLeft(const QDateTime &ends)
+QString timeLeft(qint64 ends)
 {
-    const qint64 minutes = QDateTime::currentDateTime().secsTo(ends) / 60;
+    const qint64 minutes = (ends - LocalClock::now()) / 60;
     const qint64 hours = minutes / 60;
     const qint64 days = hours / 24;
     if (days > 0)
@@ -94,7 +95,12 @@ QString timeLeft(const QDateTime &ends)
     return minutes > 0 ? counted(minutes, "minute") : QStringLiteral("less than a minute");
 }
 
-QString timeText(const QDateTime &ends, Auctions::State state)
+QString minuteText(const LocalClock &clock, qint64 moment)
+{
+    return QString::fromLatin1(clock.text(moment, "%Y-%m-%d %H:%M"));
+}
+
+QString timeText(qint64 ends, Auctions::State state)
 {
     return state == Auctions::Running ? timeLeft(ends) + QStringLiteral(" left")
                                       : QStringLiteral("ended");
@@ -258,11 +264,12 @@ QString bidTable(const QList<Auctions::Bid> &bids)
 {
     if (bids.isEmpty())
         return {};
+    const LocalClock clock;
     QString rows;
     for (const Auctions::Bid &bid : bids) {
-        rows += QStringLiteral("<tr><td>%1</td><td>%2</td><td class=\"number\">%3</td></tr>\n")
-                    .arg(bid.bidder.toHtmlEscaped(),
-                         bid.placed.toString(QStringLiteral("yyyy-MM-dd hh:mm")), usd(bid.amount));
+        rows +=
+            QStringLiteral("<tr><td>%1</td><td>%2</td><td class=\"number\">%3</td></tr>\n")
+                .arg(bid.bidder.toHtmlEscaped(), minuteText(clock, bid.placed), usd(bid.amount));
     }
     return QStringLiteral("<div class=\"panel\"><h2>Bids</h2><table>"
                           "<tr><th>Bidder</th><th>Time</th><th class=\"number\">Bid</th></tr>\n%1"
@@ -402,13 +409,13 @@ QByteArray PageWriter::outbox(const QList<MailOutbox::Mail> &mails, const QStrin
                        "sent, the newest first.</p>\n");
     if (mails.isEmpty())
         content += QStringLiteral("<p class=\"panel\">No mail has been written yet.</p>\n");
+    const LocalClock clock;
     for (const MailOutbox::Mail &mail : mails) {
         content +=
             QStringLiteral("<div class=\"panel mail\"><strong>%1</strong>\n"
                            "<div class=\"muted\">To %2 &middot; %3</div>\n<pre>%4</pre></div>\n")
                 .arg(mail.subject.toHtmlEscaped(), mail.recipient.toHtmlEscaped(),
-                     mail.written.toString(QStringLiteral("yyyy-MM-dd hh:mm")),
-                     mailText(mail.body, ownAddress));
+                     minuteText(clock, mail.written), mailText(mail.body, ownAddress));
     }
     return page(QStringLiteral("Mails"), content);
 }

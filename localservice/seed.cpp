@@ -1,8 +1,8 @@
 #include "seed.h"
 
+#include "localclock.h"
 #include "seedpictures.h"
 
-#include <QDateTime>
 #include <QList>
 
 /** What one seeded auction looks like. */
@@ -212,8 +212,7 @@ Result<void> Seed::addAuction(qint64 member, const Plot &plot)
 Result<void> Seed::setClock(qint64 auction, const Plot &plot)
 {
     Database::Session session(m_database, Database::Writing);
-    session.change(
-        QStringLiteral("UPDATE auctions SET views = ?, ends = ? WHERE id = ?"),
-        {plot.views, QDateTime::currentSecsSinceEpoch() + qint64(plot.minutesLeft) * 60, auction});
+    session.change(QStringLiteral("UPDATE auctions SET views = ?, ends = ? WHERE id = ?"),
+                   {plot.views, LocalClock::now() + qint64(plot.minutesLeft) * 60, auction});
     return session.commit();
 }

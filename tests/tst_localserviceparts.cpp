@@ -1,7 +1,9 @@
 #include "byterange.h"
 #include "database.h"
 #include "formbody.h"
+#include "localclock.h"
 #include "multipartreader.h"
+#include "operations.h"
 #include "options.h"
 #include "ownaddress.h"
 #include "pagewriter.h"
@@ -44,6 +46,10 @@ private slots:
     void rangesAreRead_data();
     void rangesAreRead();
     void onlyTheOwnAddressIsOwn();
+    void itemsFitIntoALine_data();
+    void itemsFitIntoALine();
+    void momentsAreShownInTheZoneOfThisMachine_data();
+    void momentsAreShownInTheZoneOfThisMachine();
     void pagesEscapeWhatTheyAreGiven();
 
     void sessionsAreWholeOrNothing();
@@ -302,6 +308,63 @@ void tst_LocalServiceParts::onlyTheOwnAddressIsOwn()
     QCOMPARE(OwnAddress(80).asker("localhost", {}), OwnAddress::Own);
 }
 
+void tst_LocalServiceParts::itemsFitIntoALine_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QByteArray>("item");
+
+    QTest::newRow("plain") << "The last goal" << QByteArray("The last goal");
+    QTest::newRow("commas") << "a,b,,c" << QByteArray("a;b;;c");
+    QTest::newRow("line ends and tabs") << " a\r\nb\t \tc\n" << QByteArray("a b c");
+    QTest::newRow("control characters")
+        << QStringLiteral(u"a\u0000\u0001\u0085b\u009f") << QByteArray("a b");
+    QTest::newRow("a blank that is none to a line") << QStringLiteral(u"a\u00a0\u2028b")
+                                                    << QByteArray("a\xc2\xa0\xe2\x80\xa8"
+                                                                  "b");
+    QTest::newRow("the word of a refusal")
+        << "ERRORERROR, Error" << QByteArray("ErrorError; Error");
+    QTest::newRow("beyond the first plane")
+        << QStringLiteral(u"\U0001f5bc,") << QByteArray("\xf0\x9f\x96\xbc;");
+    QTest::newRow("nothing") << "" << QByteArray();
+}
+
+void tst_LocalServiceParts::itemsFitIntoALine()
+{
+    QFETCH(QString, text);
+    QFETCH(QByteArray, item);
+
+    QCOMPARE(Operations::item(text), item);
+}
+
+void tst_LocalServiceParts::momentsAreShownInTheZoneOfThisMachine_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<qint64>("moment");
+    QTest::addColumn<QByteArray>("text");
+
+    QTest::newRow("no zone") << QByteArray("UTC") << qint64(1718397000)
+                             << QByteArray("06/14/2024 20:30");
+    QTest::newRow("winter") << QByteArray("CET-1CEST,M3.5.0,M10.5.0/3") << qint64(1705264200)
+                            << QByteArray("01/14/2024 21:30");
+    QTest::newRow("summer") << QByteArray("CET-1CEST,M3.5.0,M10.5.0/3") << qint64(1718397000)
+                            << QByteArray("06/14/2024 22:30");
+    QTest::newRow("the day before")
+        << QByteArray("XXX9:30") << qint64(1718411400) << QByteArray("06/14/2024 15:00");
+}
+
+void tst_LocalServiceParts::momentsAreShownInTheZoneOfThisMachine()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(qint64, moment);
+    QFETCH(QByteArray, text);
+
+    const QByteArray before = qgetenv("TZ");
+    qputenv("TZ", zone);
+    const QByteArray shown = LocalClock().text(moment, "%m/%d/%Y %H:%M");
+    qputenv("TZ", before);
+    QCOMPARE(shown, text);
+}
+
 void tst_LocalServiceParts::pagesEscapeWhatTheyAreGiven()
 {
     Auctions::Auction auction;
@@ -309,7 +372,7 @@ void tst_LocalServiceParts::pagesEscapeWhatTheyAreGiven()
     auction.title = QStringLiteral("<title> %1 \"&");
     auction.seller = QStringLiteral("<seller>");
     auction.description = QStringLiteral("<description> %2");
-    auction.ends = QDateTime::currentDateTime().addDays(1);
+    auction.ends = LocalClock::now() + 86400;
     FormBody typed;
     typed.set(QStringLiteral("name"), QStringLiteral("\"><name>"));
     Auctions::Search search;
