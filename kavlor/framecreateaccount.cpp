@@ -4,6 +4,7 @@
 #include "fingerscroll.h"
 #include "httptolvex.h"
 #include "kavloruser.h"
+#include "leaveframe.h"
 #include "messagebox.h"
 #include "offlinedocument.h"
 #include "plaintooltip.h"
@@ -228,7 +229,7 @@ void FrameCreateAccount::accountCreated(const QString &response)
         root->ShowLoginOptions(m_user->field(CKavlorUser::Username),
                                m_user->field(CKavlorUser::Password), false);
     }
-    RootViewController::leave(this);
+    leaveFrame(this);
 }
 
 void FrameCreateAccount::accountRefused(const QString &response, const QString &error)
@@ -248,5 +249,5 @@ void FrameCreateAccount::lower()
     m_request->disconnect(this);
     if (RootViewController *root = RootViewController::of(this))
         root->ShowLoginOptions(QString(), QString(), false);
-    RootViewController::leave(this);
+    leaveFrame(this);
 }

@@ -3,6 +3,7 @@
 #include "contentcolumn.h"
 #include "framecreateaccount.h"
 #include "kavlorlogin.h"
+#include "leaveframe.h"
 #include "rootviewcontroller.h"
 #include "ui_framewelcomekavlor.h"
 
@@ -29,7 +30,7 @@ void FrameWelcomeKavlor::showCreateAccountFrame()
     if (root)
         root->setNavigationTextAndIcon(tr("Create account "), QString(), true, creation);
     creation->show();
-    RootViewController::leave(this);
+    leaveFrame(this);
 }
 
 void FrameWelcomeKavlor::showLoginFrame()
@@ -39,5 +40,5 @@ void FrameWelcomeKavlor::showLoginFrame()
     if (RootViewController *root = RootViewController::of(this))
         root->setNavigationTextAndIcon(tr("Please login to "), QString(), true, login);
     login->show();
-    RootViewController::leave(this);
+    leaveFrame(this);
 }

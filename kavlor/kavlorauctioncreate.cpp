@@ -1,7 +1,7 @@
 #include "kavlorauctioncreate.h"
 
+#include "leaveframe.h"
 #include "messagebox.h"
-#include "rootviewcontroller.h"
 #include "ui_kavlorauctioncreate.h"
 
 CKavlorAuctionCreate::CKavlorAuctionCreate(int reserve, int buyItNow, int start, QWidget *parent)
@@ -31,5 +31,5 @@ void CKavlorAuctionCreate::finalizeClicked()
         return;
     }
     emit finalized(reserve, buyItNow, start);
-    RootViewController::leave(this);
+    leaveFrame(this);
 }

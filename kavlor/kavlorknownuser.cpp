@@ -1,6 +1,7 @@
 #include "kavlorknownuser.h"
 
 #include "contentcolumn.h"
+#include "leaveframe.h"
 #include "rootviewcontroller.h"
 #include "ui_kavlorknownuser.h"
 
@@ -24,26 +25,26 @@ void KavlorKnownUser::uploadClick()
 {
     if (RootViewController *root = RootViewController::of(this))
         root->ShowUploadOptions();
-    RootViewController::leave(this);
+    leaveFrame(this);
 }
 
 void KavlorKnownUser::myKavlorClick()
 {
     if (RootViewController *root = RootViewController::of(this))
         root->ShowMyKavlorOptions();
-    RootViewController::leave(this);
+    leaveFrame(this);
 }
 
 void KavlorKnownUser::settingsClick()
 {
     if (RootViewController *root = RootViewController::of(this))
         root->ShowSettingsOptions(m_userName, m_password, 0);
-    RootViewController::leave(this);
+    leaveFrame(this);
 }
 
 void KavlorKnownUser::logoutClick()
 {
     if (RootViewController *root = RootViewController::of(this))
         root->ShowLoginOptions(QString(), QString(), false);
-    RootViewController::leave(this);
+    leaveFrame(this);
 }

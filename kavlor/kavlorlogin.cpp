@@ -2,6 +2,7 @@
 
 #include "contentcolumn.h"
 #include "httptolvex.h"
+#include "leaveframe.h"
 #include "messagebox.h"
 #include "rootviewcontroller.h"
 #include "servicehost.h"
@@ -64,7 +65,7 @@ void KavlorLogin::ValidationDone(const QString &aUnoOnSuccess, const QString &aE
                 root->ShowLoginOptions(m_ui->lineUsername->text(), m_ui->linePassword->text(),
                                        true);
             }
-            RootViewController::leave(this);
+            leaveFrame(this);
             return;
         }
         m_ui->labelError->setText(tr("kavlor authentication failed."));
@@ -79,7 +80,7 @@ void KavlorLogin::lower()
 {
     if (RootViewController *root = RootViewController::of(this))
         root->ShowLoginOptions(QString(), QString(), false);
-    RootViewController::leave(this);
+    leaveFrame(this);
 }
 
 void KavlorLogin::setFormEnabled(bool enabled)

@@ -5,6 +5,7 @@
 #include "kavlormodifyauction.h"
 #include "kavlormyauctionsmodel.h"
 #include "kavloruser.h"
+#include "leaveframe.h"
 #include "messagebox.h"
 #include "paintedcelldelegate.h"
 #include "paintedtableaccess.h"
@@ -172,7 +173,7 @@ void CKavlorMyAuctionsController::backClicked()
         root->ShowLoginOptions(m_user->field(CKavlorUser::Username),
                                m_user->field(CKavlorUser::Password), true);
     }
-    RootViewController::leave(this);
+    leaveFrame(this);
 }
 
 void CKavlorMyAuctionsController::cancelClicked()
@@ -189,7 +190,7 @@ void CKavlorMyAuctionsController::closePriceFrame()
 {
     // Not deleted at once: it may be its own signal that ends it.
     if (m_priceFrame)
-        RootViewController::leave(m_priceFrame);
+        leaveFrame(m_priceFrame);
     m_priceFrame.clear();
 }
 

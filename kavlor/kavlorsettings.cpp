@@ -3,6 +3,7 @@
 #include "contentcolumn.h"
 #include "httptolvex.h"
 #include "kavloruser.h"
+#include "leaveframe.h"
 #include "modifyaccountcontroller.h"
 #include "notificationscontroller.h"
 #include "rootviewcontroller.h"
@@ -46,7 +47,7 @@ void CKavlorSettings::closeChild()
     if (!m_child)
         return;
     m_child->disconnect(this);
-    RootViewController::leave(m_child);
+    leaveFrame(m_child);
     m_child.clear();
 }
 
@@ -117,7 +118,7 @@ void CKavlorSettings::myAccountChangesDone()
     closeChild();
     root->ShowLoginOptions(m_user->field(CKavlorUser::Username),
                            m_user->field(CKavlorUser::Password), true);
-    RootViewController::leave(this);
+    leaveFrame(this);
 }
 
 void CKavlorSettings::dataRequestDone(const QString &aData, const QString &aError)

@@ -1,6 +1,7 @@
 #include "kavlorsplashwindow.h"
 
 #include "httptolvex.h"
+#include "leaveframe.h"
 #include "messagebox.h"
 #include "progressivemodel.h"
 #include "rootviewcontroller.h"
@@ -139,7 +140,7 @@ void CKavlorSplashWindow::runOnGoodExit()
     if (!m_timeIsUp || m_state != Done)
         return;
     m_root->ShowLoginOptions(userName(), password(), m_loggedIn);
-    RootViewController::leave(this);
+    leaveFrame(this);
 }
 
 void CKavlorSplashWindow::enter(State state, const QString &message)

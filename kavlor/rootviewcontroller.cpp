@@ -10,6 +10,7 @@
 #include "kavlormyauctionscontroller.h"
 #include "kavlorsettings.h"
 #include "kavlorsplashwindow.h"
+#include "leaveframe.h"
 #include "navigationcontrolableframe.h"
 #include "navigationframe.h"
 #include "theme.h"
@@ -77,18 +78,6 @@ RootViewController *RootViewController::of(const QWidget *contentFrame)
     return area ? qobject_cast<RootViewController *>(area->parentWidget()) : nullptr;
 }
 
-void RootViewController::leave(QWidget *frame)
-{
-    // Deaf and out of sight at once: neither a second click nor a late reply must find it.
-    frame->setEnabled(false);
-    const QList<CHttpTolvex *> requests =
-        frame->findChildren<CHttpTolvex *>(QString(), Qt::FindDirectChildrenOnly);
-    for (CHttpTolvex *request : requests)
-        request->disconnect(frame);
-    frame->hide();
-    frame->deleteLater();
-}
-
 const QString &RootViewController::termsText() const
 {
     return m_termsText;
@@ -143,7 +132,7 @@ void RootViewController::deleteBar()
 {
     // Not deleted at once: it may be its own button that asked for the next screen.
     if (m_bar)
-        leave(m_bar);
+        leaveFrame(m_bar);
     m_bar.clear();
 }
 

@@ -24,7 +24,8 @@ class RootViewController;
  * It owns the signed-in member's record, the alert options, the texts that were fetched at start
  * and the bar. A content frame is a child of mainView; it finds the root with
  * RootViewController::of(), asks it for the next screen through one of the Show operations and
- * then deletes itself. Whoever makes the root owns it; the settings are not owned by it.
+ * then takes itself away with leaveFrame(). Whoever makes the root owns it; the settings are not
+ * owned by it.
  */
 class RootViewController : public QFrame
 {
@@ -36,8 +37,6 @@ public:
 
     /** The root above a content frame: the parent of its parent widget, or null. */
     static RootViewController *of(const QWidget *contentFrame);
-    /** Takes a frame off the screen that has asked for the next one; it is deleted soon. */
-    static void leave(QWidget *frame);
 
     /** Shows the member's auctions. */
     void ShowMyKavlorOptions();

@@ -7,6 +7,7 @@
 #include "kavlorauctionconfirm.h"
 #include "kavlorauctioncreate.h"
 #include "kavloruser.h"
+#include "leaveframe.h"
 #include "messagebox.h"
 #include "photofile.h"
 #include "progressivemodel.h"
@@ -268,7 +269,7 @@ void CUploadMediaController::retire(QFrame *page)
     if (!page)
         return;
     page->disconnect(this);
-    RootViewController::leave(page);
+    leaveFrame(page);
 }
 
 bool CUploadMediaController::inform(const QString &text)
@@ -622,7 +623,7 @@ void CUploadMediaController::showNotificationsOptions()
         return;
     m_leaving = true;
     emit uploadComplete();
-    RootViewController::leave(this);
+    leaveFrame(this);
 }
 
 void CUploadMediaController::cancelClicked()
@@ -637,7 +638,7 @@ void CUploadMediaController::cancelClicked()
     const QString password = m_user->field(CKavlorUser::Password);
     if (RootViewController *root = RootViewController::of(this))
         root->ShowLoginOptions(userName, password, true);
-    RootViewController::leave(this);
+    leaveFrame(this);
 }
 
 void CUploadMediaController::backClicked()

@@ -4,6 +4,7 @@
 #include "httptolvex.h"
 #include "kavlorknownuser.h"
 #include "kavlorsettings.h"
+#include "leaveframe.h"
 #include "modifyaccountcontroller.h"
 #include "navigationcontrolableframe.h"
 #include "notificationscontroller.h"
@@ -494,7 +495,7 @@ void tst_AccountFlow::alertsAfterAnUploadReturnHome()
 {
     RootWindow window;
     QVERIFY(window.startAtHome());
-    RootViewController::leave(window.shown<KavlorKnownUser>());
+    leaveFrame(window.shown<KavlorKnownUser>());
     emit window.root()->UploadComplete();
     QVERIFY(window.shown<CNotificationsController>());
     QVERIFY(!window.shown<CKavlorSettings>());
@@ -516,7 +517,7 @@ void tst_AccountFlow::refusedAlertsAfterAnUploadReturnToTheMenu()
 {
     RootWindow window;
     QVERIFY(window.startAtHome());
-    RootViewController::leave(window.shown<KavlorKnownUser>());
+    leaveFrame(window.shown<KavlorKnownUser>());
     window.root()->showNotifications();
     window.service.expect("SetNotificationOptions", "ERROR");
     QVERIFY(window.click("pushButtonDone"));
@@ -607,7 +608,7 @@ void tst_AccountFlow::settingsWithoutAPasswordShowTheWelcome()
 {
     RootWindow window;
     QVERIFY(window.startAtHome());
-    RootViewController::leave(window.shown<KavlorKnownUser>());
+    leaveFrame(window.shown<KavlorKnownUser>());
     window.root()->ShowSettingsOptions(QStringLiteral("m1"), QString(), 1);
     QVERIFY(window.shown<FrameWelcomeKavlor>());
     QVERIFY(!window.root()->findChild<CKavlorSettings *>());

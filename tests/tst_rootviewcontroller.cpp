@@ -3,6 +3,7 @@
 #include "kavlorcategorystore.h"
 #include "kavlorknownuser.h"
 #include "kavlorlogin.h"
+#include "leaveframe.h"
 #include "navigationcontrolableframe.h"
 #include "navigationframe.h"
 #include "pixels.h"
@@ -488,7 +489,7 @@ void tst_RootViewController::nothingOfTheLastScreenStays()
     for (int round = 0; round < 5; ++round) {
         auto *home = window.shown<KavlorKnownUser>();
         window.root()->ShowLoginOptions(QStringLiteral("m1"), QStringLiteral("secret"), true);
-        RootViewController::leave(home);
+        leaveFrame(home);
     }
     QTRY_COMPARE(window.root()->findChildren<NavigationControlableFrame *>().size(), 1);
     QTRY_COMPARE(window.root()->findChildren<KavlorKnownUser *>().size(), 1);

@@ -1,0 +1,18 @@
+#include "leaveframe.h"
+
+#include "httptolvex.h"
+
+#include <QList>
+#include <QWidget>
+
+void leaveFrame(QWidget *frame)
+{
+    // Deaf and out of sight at once: neither a second click nor a late reply must find it.
+    frame->setEnabled(false);
+    const QList<CHttpTolvex *> requests =
+        frame->findChildren<CHttpTolvex *>(QString(), Qt::FindDirectChildrenOnly);
+    for (CHttpTolvex *request : requests)
+        request->disconnect(frame);
+    frame->hide();
+    frame->deleteLater();
+}
