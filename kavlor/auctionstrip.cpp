@@ -1,10 +1,9 @@
 #include "auctionstrip.h"
 
+#include "auctionmarks.h"
 #include "auctionrow.h"
+#include "liststyle.h"
 
-#include <QColor>
-#include <QFont>
-#include <QImage>
 #include <QPainter>
 #include <QPainterPath>
 #include <QTextLayout>
@@ -14,59 +13,6 @@ namespace {
 
 constexpr int titleLength = 60;
 constexpr QRect titleBox(1, 1, 679, 27);
-constexpr int marksTop = 28;
-constexpr int largestNumber = 14; // points
-constexpr int smallestNumber = 9;
-
-// Pictures as QImage and not QPixmap: they outlive the application object.
-struct Resources
-{
-    const QColor titleColor{249, 167, 31};
-    const QColor numberColor{25, 5, 10};
-    const QFont titleFont{QStringLiteral("LargeSystemFont"), 21, QFont::Bold};
-    const QFont numberFont{QStringLiteral("SmallSystemFont"), largestNumber, QFont::DemiBold};
-    const QImage viewed{QStringLiteral(":/viewed.png")};
-    const QImage bidding{QStringLiteral(":/biddingOn.png")};
-    const QImage reserveMet{QStringLiteral(":/reserveMet.png")};
-    const QImage sold{QStringLiteral(":/sold.png")};
-    const QImage soldSwapped = sold.rgbSwapped();
-};
-
-const Resources &resources()
-{
-    static const Resources all;
-    return all;
-}
-
-// Makes the font as small as the text needs for the width; false when that would be too small.
-bool fitFont(QPainter *painter, const QString &text, int width)
-{
-    QFont font = resources().numberFont;
-    for (int points = largestNumber; points >= smallestNumber; --points) {
-        font.setPointSize(points);
-        painter->setFont(font);
-        if (painter->fontMetrics().horizontalAdvance(text) <= width)
-            return true;
-    }
-    return false;
-}
-
-// A part of a number would read as another one, so it is shown whole or as being beyond what fits.
-void paintNumber(QPainter *painter, int number, int x, int width)
-{
-    // Both numbers stand at the height of the first mark's free space.
-    const int markHeight = resources().viewed.height();
-    const int quarter = markHeight / 4;
-    const int twelfth = markHeight / 12;
-    const int y = static_cast<int>(quarter + 28.3 - twelfth);
-    QString text = QString::number(number);
-    if (!fitFont(painter, text, width)) {
-        text = number < 0 ? QStringLiteral("-99999+") : QStringLiteral("99999+");
-        fitFont(painter, text, width);
-    }
-    painter->drawText(QRect(x, y, width, 2 * markHeight / 4),
-                      Qt::AlignCenter | Qt::TextSingleLine | Qt::TextDontClip, text);
-}
 
 // The title as far as it is shown; a character in two halves is not shown by one of them.
 QString shownTitle(const QString &title)
@@ -94,9 +40,9 @@ int overhang(const QFont &font, const QString &text)
 
 void paintTitle(QPainter *painter, const QString &title)
 {
-    const QFont &font = resources().titleFont;
+    const QFont &font = listStyle().titleFont;
     painter->setFont(font);
-    painter->setPen(resources().titleColor);
+    painter->setPen(listStyle().titleColor);
     // A high accent would be cut off where the picture ends.
     const QRect box = titleBox.translated(0, overhang(font, title));
     painter->drawText(box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
@@ -107,25 +53,10 @@ void paintTitle(QPainter *painter, const QString &title)
 
 QPixmap paintAuctionStrip(const CAuctionRow &auction)
 {
-    const Resources &shared = resources();
-    const int viewedWidth = shared.viewed.width();
-    const int biddingWidth = shared.bidding.width();
-    const int reserveWidth = shared.reserveMet.width();
-
     QPixmap strip(auctionStripSize);
     strip.fill(Qt::transparent);
     QPainter painter(&strip);
-
-    painter.setPen(shared.numberColor);
-    painter.drawImage(1, marksTop, shared.viewed);
-    paintNumber(&painter, auction.views, viewedWidth / 2 + 1 - viewedWidth / 10, viewedWidth / 2);
-    painter.drawImage(viewedWidth + 2, marksTop, shared.bidding);
-    paintNumber(&painter, auction.bids, viewedWidth + 1 + biddingWidth / 3, biddingWidth / 2);
-
-    if (auction.item10 == auction.reservePrice)
-        painter.drawImage(viewedWidth + 3 + biddingWidth, marksTop, shared.reserveMet);
-    painter.drawImage(viewedWidth + 4 + biddingWidth + reserveWidth, marksTop,
-                      auction.finished ? shared.soldSwapped : shared.sold);
+    paintAuctionMarks(&painter, auction);
     // Over the marks, into which the tails of its letters may reach.
     paintTitle(&painter, shownTitle(auction.title));
     return strip;

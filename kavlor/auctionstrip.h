@@ -9,8 +9,7 @@ struct CAuctionRow;
 constexpr QSize auctionStripSize(680, 90);
 
 /**
- * Paints what the list tells of one auction on a transparent ground: its title over the marks for
- * views, bids, a reserve price that is met, and the sale. The last is always there; its colours
- * tell whether the auction is over.
+ * Paints what the list tells of one auction on a transparent ground: its title over the marks that
+ * paintAuctionMarks() paints.
  */
 QPixmap paintAuctionStrip(const CAuctionRow &auction);

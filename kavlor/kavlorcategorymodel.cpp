@@ -1,9 +1,8 @@
 #include "kavlorcategorymodel.h"
 
 #include "kavlorcategorystore.h"
+#include "liststyle.h"
 
-#include <QBrush>
-#include <QFont>
 #include <QPainter>
 #include <QPixmap>
 #include <QPixmapCache>
@@ -17,28 +16,6 @@ constexpr int separatorTop = cellHeight - 1;
 constexpr int nameHeightAboveChildren = 27;
 constexpr int childrenTop = 21;
 constexpr int childrenHeight = 65;
-
-// What the cells are painted with: made on first use and kept.
-struct Palette
-{
-    QFont marker{QStringLiteral("LargeSystemFont"), 31, QFont::Bold};
-    QFont topName{QStringLiteral("LargeSystemFont"), 21, QFont::Bold};
-    QFont lowerName{QStringLiteral("SmallSystemFont"), 21, QFont::Normal};
-    QFont children{QStringLiteral("SmallSystemFont"), 14, QFont::Normal};
-    QColor markerColor{126, 131, 137};
-    QColor topNameColor{249, 167, 31};
-    QColor lowerNameColor{121, 85, 143};
-    QColor childrenColor{73, 117, 166};
-    QColor chosenChildrenColor{41, 41, 0};
-    QColor separatorColor{73, 117, 166};
-    QBrush brush{QColor(126, 131, 169)};
-};
-
-const Palette &palette()
-{
-    static const Palette theOne;
-    return theOne;
-}
 
 // The service's top-level categories have fixed identifiers; only they have a picture.
 QString iconPath(int identifier)
@@ -102,23 +79,23 @@ QPixmap plainBackground(int column)
 
 void paintMarker(QPainter *painter, const QString &marker)
 {
-    painter->setFont(palette().marker);
-    painter->setPen(palette().markerColor);
+    painter->setFont(listStyle().markerFont);
+    painter->setPen(listStyle().markerColor);
     painter->drawText(QRect(0, 0, markerWidth, separatorTop),
                       Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, marker);
 }
 
 void paintName(QPainter *painter, const QRect &area, int flags, bool topLevel, const QString &name)
 {
-    painter->setFont(topLevel ? palette().topName : palette().lowerName);
-    painter->setPen(topLevel ? palette().topNameColor : palette().lowerNameColor);
+    painter->setFont(topLevel ? listStyle().titleFont : listStyle().lowerNameFont);
+    painter->setPen(topLevel ? listStyle().titleColor : listStyle().lowerNameColor);
     painter->drawText(area, Qt::AlignLeft | Qt::AlignVCenter | flags, name);
 }
 
 void paintChildren(QPainter *painter, const QRect &area, bool chosen, const QString &children)
 {
-    painter->setFont(palette().children);
-    painter->setPen(chosen ? palette().chosenChildrenColor : palette().childrenColor);
+    painter->setFont(listStyle().childrenFont);
+    painter->setPen(chosen ? listStyle().chosenChildrenColor : listStyle().childrenColor);
     painter->drawText(area, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextWordWrap, children);
 }
 
@@ -275,7 +252,7 @@ QPixmap CKavlorCategoryModel::paintCell(int identifier, int column) const
         else if (!children.isEmpty())
             paintMarker(&painter, QStringLiteral(">"));
     }
-    painter.setPen(palette().separatorColor);
+    painter.setPen(listStyle().separatorColor);
     painter.drawLine(0, separatorTop, pixmap.width(), separatorTop);
     return pixmap;
 }

@@ -1,0 +1,79 @@
+#include "auctionmarks.h"
+
+#include "auctionrow.h"
+#include "liststyle.h"
+
+#include <QImage>
+#include <QPainter>
+
+namespace {
+
+constexpr int marksTop = 28;
+constexpr int smallestNumber = 9; // points
+
+// As QImage and not QPixmap: they outlive the application object.
+struct Pictures
+{
+    const QImage viewed{QStringLiteral(":/viewed.png")};
+    const QImage bidding{QStringLiteral(":/biddingOn.png")};
+    const QImage reserveMet{QStringLiteral(":/reserveMet.png")};
+    const QImage sold{QStringLiteral(":/sold.png")};
+    const QImage soldSwapped = sold.rgbSwapped();
+};
+
+const Pictures &pictures()
+{
+    static const Pictures all;
+    return all;
+}
+
+// Makes the font as small as the text needs for the width; false when that would be too small.
+bool fitFont(QPainter *painter, const QString &text, int width)
+{
+    QFont font = listStyle().numberFont;
+    for (int points = font.pointSize(); points >= smallestNumber; --points) {
+        font.setPointSize(points);
+        painter->setFont(font);
+        if (painter->fontMetrics().horizontalAdvance(text) <= width)
+            return true;
+    }
+    return false;
+}
+
+// A part of a number would read as another one, so it is shown whole or as being beyond what fits.
+void paintNumber(QPainter *painter, int number, int x, int width)
+{
+    // Both numbers stand at the height of the first mark's free space.
+    const int markHeight = pictures().viewed.height();
+    const int quarter = markHeight / 4;
+    const int twelfth = markHeight / 12;
+    const int y = static_cast<int>(quarter + 28.3 - twelfth);
+    QString text = QString::number(number);
+    if (!fitFont(painter, text, width)) {
+        text = number < 0 ? QStringLiteral("-99999+") : QStringLiteral("99999+");
+        fitFont(painter, text, width);
+    }
+    painter->drawText(QRect(x, y, width, 2 * markHeight / 4),
+                      Qt::AlignCenter | Qt::TextSingleLine | Qt::TextDontClip, text);
+}
+
+} // namespace
+
+void paintAuctionMarks(QPainter *painter, const CAuctionRow &auction)
+{
+    const Pictures &all = pictures();
+    const int viewedWidth = all.viewed.width();
+    const int biddingWidth = all.bidding.width();
+    const int reserveWidth = all.reserveMet.width();
+
+    painter->setPen(listStyle().numberColor);
+    painter->drawImage(1, marksTop, all.viewed);
+    paintNumber(painter, auction.views, viewedWidth / 2 + 1 - viewedWidth / 10, viewedWidth / 2);
+    painter->drawImage(viewedWidth + 2, marksTop, all.bidding);
+    paintNumber(painter, auction.bids, viewedWidth + 1 + biddingWidth / 3, biddingWidth / 2);
+
+    if (auction.item10 == auction.reservePrice)
+        painter->drawImage(viewedWidth + 3 + biddingWidth, marksTop, all.reserveMet);
+    painter->drawImage(viewedWidth + 4 + biddingWidth + reserveWidth, marksTop,
+                       auction.finished ? all.soldSwapped : all.sold);
+}

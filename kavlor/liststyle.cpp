@@ -1,0 +1,7 @@
+#include "liststyle.h"
+
+const ListStyle &listStyle()
+{
+    static const ListStyle theOne;
+    return theOne;
+}
