@@ -11,47 +11,16 @@ namespace {
 constexpr qint64 maxFileBytes = 1024LL * 1024;
 constexpr int maxPrice = 10'000'000; // as the page for them allows
 
-QString memberKey()
-{
-    return QStringLiteral("member");
-}
+constexpr QLatin1String memberKey("member");
+constexpr QLatin1String mediaKey("media");
+constexpr QLatin1String captionKey("caption");
+constexpr QLatin1String descriptionKey("description");
+constexpr QLatin1String categoryKey("category");
+constexpr QLatin1String startPriceKey("startPrice");
+constexpr QLatin1String reservePriceKey("reservePrice");
+constexpr QLatin1String buyItNowPriceKey("buyItNowPrice");
 
-QString mediaKey()
-{
-    return QStringLiteral("media");
-}
-
-QString captionKey()
-{
-    return QStringLiteral("caption");
-}
-
-QString descriptionKey()
-{
-    return QStringLiteral("description");
-}
-
-QString categoryKey()
-{
-    return QStringLiteral("category");
-}
-
-QString startPriceKey()
-{
-    return QStringLiteral("startPrice");
-}
-
-QString reservePriceKey()
-{
-    return QStringLiteral("reservePrice");
-}
-
-QString buyItNowPriceKey()
-{
-    return QStringLiteral("buyItNowPrice");
-}
-
-quint32 price(const QJsonObject &draft, const QString &key, int least)
+quint32 price(const QJsonObject &draft, QLatin1String key, int least)
 {
     return static_cast<quint32>(qBound(least, draft.value(key).toInt(least), maxPrice));
 }
@@ -69,33 +38,33 @@ std::optional<CAuctionRecord> UploadDraft::load(const QString &member) const
     if (member.isEmpty() || !file.open(QIODevice::ReadOnly) || file.size() > maxFileBytes)
         return {};
     const QJsonObject draft = QJsonDocument::fromJson(file.readAll()).object();
-    if (draft.value(memberKey()).toString() != member)
+    if (draft.value(memberKey).toString() != member)
         return {};
 
     CAuctionRecord record;
-    record.mediaPath = draft.value(mediaKey()).toString();
+    record.mediaPath = draft.value(mediaKey).toString();
     if (record.mediaPath.isEmpty())
         return {};
-    record.caption = draft.value(captionKey()).toString();
-    record.description = draft.value(descriptionKey()).toString();
-    record.category = draft.value(categoryKey()).toInt();
-    record.startPrice = price(draft, startPriceKey(), 1);
-    record.reservePrice = price(draft, reservePriceKey(), 0);
-    record.buyItNowPrice = price(draft, buyItNowPriceKey(), 0);
+    record.caption = draft.value(captionKey).toString();
+    record.description = draft.value(descriptionKey).toString();
+    record.category = draft.value(categoryKey).toInt();
+    record.startPrice = price(draft, startPriceKey, 1);
+    record.reservePrice = price(draft, reservePriceKey, 0);
+    record.buyItNowPrice = price(draft, buyItNowPriceKey, 0);
     return record;
 }
 
 void UploadDraft::save(const QString &member, const CAuctionRecord &record) const
 {
     const QJsonObject draft{
-        {memberKey(), member},
-        {mediaKey(), record.mediaPath},
-        {captionKey(), record.caption},
-        {descriptionKey(), record.description},
-        {categoryKey(), record.category},
-        {startPriceKey(), static_cast<qint64>(record.startPrice)},
-        {reservePriceKey(), static_cast<qint64>(record.reservePrice)},
-        {buyItNowPriceKey(), static_cast<qint64>(record.buyItNowPrice)},
+        {memberKey, member},
+        {mediaKey, record.mediaPath},
+        {captionKey, record.caption},
+        {descriptionKey, record.description},
+        {categoryKey, record.category},
+        {startPriceKey, static_cast<qint64>(record.startPrice)},
+        {reservePriceKey, static_cast<qint64>(record.reservePrice)},
+        {buyItNowPriceKey, static_cast<qint64>(record.buyItNowPrice)},
     };
     QSaveFile file(m_path);
     // Narrow rights before there is anything in it. A draft that cannot be kept is no reason to

@@ -9,8 +9,8 @@
 #include "kavloruser.h"
 #include "leaveframe.h"
 #include "messagebox.h"
-#include "photofile.h"
 #include "progressivemodel.h"
+#include "promptedfield.h"
 #include "rootviewcontroller.h"
 #include "timeconstants.h"
 #include "ui_uploadmediacontroller.h"
@@ -18,15 +18,7 @@
 
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QFocusEvent>
-#include <QInputMethodEvent>
-#include <QKeyEvent>
-#include <QPainter>
-#include <QPixmapCache>
-#include <QSignalBlocker>
 #include <QStandardPaths>
-#include <QTextCursor>
-#include <QTransform>
 
 namespace {
 
@@ -40,86 +32,6 @@ QDateTime creationTime(const QString &fileName)
     return birth.isValid() ? birth : file.metadataChangeTime();
 }
 
-bool isSideways(const QSize &image, const QSize &preview)
-{
-    const bool imageIsPortrait = image.height() > image.width();
-    const bool imageIsLandscape = image.width() > image.height();
-    const bool previewIsPortrait = preview.height() > preview.width();
-    const bool previewIsLandscape = preview.width() > preview.height();
-    return (imageIsPortrait && previewIsLandscape) || (imageIsLandscape && previewIsPortrait);
-}
-
-QPixmap paintVideoIcon(const QSize &size)
-{
-    QPixmap icon = QPixmap(QStringLiteral(":/videoicon.png"))
-                       .scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation);
-    QPainter painter(&icon);
-    painter.setFont(QFont(QStringLiteral("SmallSystemFont"), 16, QFont::Normal));
-    painter.setPen(QColor(41, 53, 95));
-    const int half = size.height() / 2;
-    painter.drawText(QRect(2, half, size.width() - 4, half), Qt::AlignCenter | Qt::TextWordWrap,
-                     CUploadMediaController::tr("Your media\nhas been selected.\n"
-                                                "Please describe\nand categorize it."));
-    return icon;
-}
-
-// The text with a capital first letter; unchanged when it has one already.
-QString capitalized(const QString &text)
-{
-    return text.isEmpty() ? text : text.at(0).toUpper() + text.mid(1);
-}
-
-// Whether the member, not the program, has moved the focus.
-bool isDeliberate(const QFocusEvent *event)
-{
-    switch (event->reason()) {
-    case Qt::MouseFocusReason:
-    case Qt::TabFocusReason:
-    case Qt::BacktabFocusReason:
-    case Qt::ShortcutFocusReason:
-        return true;
-    default:
-        return false;
-    }
-}
-
-// Whether the event, sent to a field, is about to put letters into it or shows that the member is.
-bool isTouch(QEvent *event)
-{
-    switch (event->type()) {
-    case QEvent::FocusIn:
-        // A click or a tab into a field need not move its cursor.
-        return isDeliberate(static_cast<QFocusEvent *>(event));
-    case QEvent::KeyPress: {
-        const QString letters = static_cast<QKeyEvent *>(event)->text();
-        return !letters.isEmpty() && letters.at(0).isPrint();
-    }
-    case QEvent::InputMethod: {
-        const auto *input = static_cast<QInputMethodEvent *>(event);
-        return !input->preeditString().isEmpty() || !input->commitString().isEmpty();
-    }
-    default:
-        return false;
-    }
-}
-
-// What a member has given for a prompt that nobody had touched: all of a text that took its place,
-// or the letters that were put into it.
-QString withoutPrompt(const QString &text, const QString &prompt)
-{
-    const qsizetype shorter = qMin(text.size(), prompt.size());
-    qsizetype before = 0;
-    while (before < shorter && text.at(before) == prompt.at(before))
-        ++before;
-    qsizetype after = 0;
-    while (after < shorter - before
-           && text.at(text.size() - 1 - after) == prompt.at(prompt.size() - 1 - after))
-        ++after;
-    const QString given = text.mid(before, text.size() - before - after);
-    const bool isPromptWhole = before + after == prompt.size();
-    return isPromptWhole || given.isEmpty() ? given : text;
-}
-
 bool isVideo(const QString &fileName)
 {
     return fileName.endsWith(QLatin1String("mp4"));
@@ -129,11 +41,6 @@ std::optional<UploadDraft> draftOf(const QWidget *contentFrame)
 {
     const RootViewController *root = RootViewController::of(contentFrame);
     return root ? std::optional(root->uploadDraft()) : std::nullopt;
-}
-
-const char *editedProperty()
-{
-    return "edited";
 }
 
 } // namespace
@@ -149,11 +56,8 @@ CUploadMediaController::CUploadMediaController(CKavlorUser *user, QWidget *paren
     m_ui->setupUi(this);
     new ContentColumn(this, QSize(1280, 720));
     m_chooserText = m_ui->photoClicker->text();
-    m_captionPrompt = m_ui->lineCaption->text();
-    m_descriptionPrompt = m_ui->textDescription->toPlainText();
     m_ui->descriptionFrame->setEnabled(false);
     m_ui->progressUpload->setProgress(m_progress);
-    m_rotationTimer.setSingleShot(true);
     connectForm();
     connectRequest();
     offerDraft();
@@ -182,15 +86,9 @@ void CUploadMediaController::connectForm()
     connect(m_ui->lineCaption, &QLineEdit::cursorPositionChanged, this,
             &CUploadMediaController::captionPosChanged);
     connect(m_ui->lineCaption, &QLineEdit::selectionChanged, this, [this] { captionPosChanged(); });
-    connect(m_ui->lineCaption, &QLineEdit::textChanged, this,
-            &CUploadMediaController::captionChanged);
-    connect(m_ui->textDescription, &QPlainTextEdit::textChanged, this,
-            &CUploadMediaController::descriptionChanged);
-    connect(&m_rotationTimer, &QTimer::timeout, this, &CUploadMediaController::rotatePreview);
-    m_ui->photoLabel->installEventFilter(this);
     new FingerScroll(m_ui->textDescription, FingerScroll::Text);
-    m_ui->lineCaption->installEventFilter(this);
-    m_ui->textDescription->installEventFilter(this);
+    m_caption = new PromptedField(m_ui->lineCaption);
+    m_description = new PromptedField(m_ui->textDescription);
 }
 
 void CUploadMediaController::connectRequest()
@@ -208,18 +106,6 @@ bool CUploadMediaController::event(QEvent *event)
     return isHandled;
 }
 
-bool CUploadMediaController::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched == m_ui->lineCaption && isTouch(event))
-        touchCaption();
-    else if (watched == m_ui->textDescription && isTouch(event))
-        touchDescription();
-    else if (watched == m_ui->photoLabel && event->type() == QEvent::Resize
-             && !m_ui->photoClicker->text().isEmpty())
-        showPrompt();
-    return QFrame::eventFilter(watched, event);
-}
-
 void CUploadMediaController::resizeEvent(QResizeEvent *event)
 {
     QFrame::resizeEvent(event);
@@ -234,14 +120,6 @@ void CUploadMediaController::settleLayout()
     m_ui->photoFrame->setMaximumHeight(m_ui->photoFrame->width() * 3 / 4);
     layout()->activate();
     m_ui->photoFrame->layout()->activate();
-}
-
-void CUploadMediaController::showPrompt()
-{
-    static const QImage background(QStringLiteral(":/UploadBG.png"));
-    m_ui->photoLabel->setPixmap(QPixmap::fromImage(background.scaled(
-        m_ui->photoLabel->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation)));
-    m_ui->photoClicker->setText(m_chooserText);
 }
 
 void CUploadMediaController::setPercentage(int percentage)
@@ -279,8 +157,8 @@ bool CUploadMediaController::inform(const QString &text)
 
 void CUploadMediaController::chooseMediaClick()
 {
-    m_rotationTimer.stop();
-    showPrompt();
+    m_ui->photoLabel->showPrompt();
+    m_ui->photoClicker->setText(m_chooserText);
 
     const QPointer<CUploadMediaController> guard(this);
     QString fileName = QFileDialog::getOpenFileName(
@@ -309,12 +187,9 @@ QString CUploadMediaController::startFolder() const
 
 void CUploadMediaController::changeMedia(const QString &aFileName, bool aVideo)
 {
-    m_rotationTimer.stop();
     m_ui->takeUpButton->hide();
-    if (!m_previewSize.isValid()) {
-        settleLayout();
-        m_previewSize = m_ui->photoLabel->size();
-    }
+    settleLayout();
+    m_ui->photoLabel->keepSize();
     if (aFileName.isEmpty())
         return;
 
@@ -325,12 +200,13 @@ void CUploadMediaController::changeMedia(const QString &aFileName, bool aVideo)
     m_record.captureDate = creationTime(aFileName);
     m_record.category = 0;
     if (aVideo) {
-        showVideoIcon();
-    } else if (!showImage()) {
+        m_ui->photoLabel->showClip();
+    } else if (!m_ui->photoLabel->showPhoto(aFileName)) {
         offerDraft();
         inform(tr("Cannot load %1.").arg(aFileName));
         return;
     }
+    m_ui->photoClicker->setText(QString());
     emit descriptionToBeShown();
     keepDraft();
 }
@@ -361,13 +237,8 @@ void CUploadMediaController::takeUpDraft()
 
     left->captureDate = m_record.captureDate;
     m_record = *left;
-    // No prompt is left to be wiped where something was entered.
-    m_captionCleared = !m_record.caption.isEmpty();
-    m_captionEmpty = m_record.caption.isEmpty();
-    m_ui->lineCaption->setProperty(editedProperty(), m_captionCleared);
-    m_descriptionCleared = !m_record.description.isEmpty();
-    m_descriptionEmpty = m_record.description.isEmpty();
-    m_ui->textDescription->setProperty(editedProperty(), m_descriptionCleared);
+    m_caption->resume(m_record.caption);
+    m_description->resume(m_record.description);
     showDescription();
     keepDraft();
 }
@@ -378,43 +249,9 @@ void CUploadMediaController::keepDraft()
     if (!m_draft || m_placed || m_step == ChoosingMedia)
         return;
     CAuctionRecord record = m_record;
-    record.caption = m_captionEmpty ? QString() : m_ui->lineCaption->text();
-    record.description = m_descriptionEmpty ? QString() : m_ui->textDescription->toPlainText();
+    record.caption = m_caption->entered();
+    record.description = m_description->entered();
     m_draft->save(m_user->field(CKavlorUser::Username), record);
-}
-
-bool CUploadMediaController::showImage()
-{
-    const QSize box(m_previewSize.height(), m_previewSize.height());
-    const ShownPhoto photo = readPhoto(m_record.mediaPath, box);
-    if (photo.image.isNull())
-        return false;
-
-    m_ui->photoClicker->setText(QString());
-    m_imageTextKeys = photo.image.textKeys();
-    m_imageSize = photo.originalSize;
-    m_ui->photoLabel->setPixmap(QPixmap::fromImage(photo.image));
-    if (isSideways(m_imageSize, m_previewSize))
-        m_rotationTimer.start(timeConstants().rotationDelay);
-    return true;
-}
-
-void CUploadMediaController::showVideoIcon()
-{
-    m_ui->photoClicker->setText(QString());
-    const QString key = QStringLiteral(":/videoicon.png");
-    QPixmap icon;
-    if (!QPixmapCache::find(key, &icon)) {
-        icon = paintVideoIcon(m_previewSize);
-        QPixmapCache::insert(key, icon);
-    }
-    m_ui->photoLabel->setPixmap(icon);
-}
-
-void CUploadMediaController::rotatePreview()
-{
-    static const QTransform clockwise = QTransform().rotate(90);
-    m_ui->photoLabel->setPixmap(m_ui->photoLabel->pixmap().transformed(clockwise));
 }
 
 void CUploadMediaController::showDescription()
@@ -427,106 +264,35 @@ void CUploadMediaController::showDescription()
     if (!m_record.caption.isEmpty())
         m_ui->lineCaption->setText(m_record.caption);
     // Not when it is there already: putting it back would count as a touch of the prompt.
-    if (!m_record.description.isEmpty()
-        && m_record.description != m_ui->textDescription->toPlainText())
+    if (!m_record.description.isEmpty() && m_record.description != m_description->text())
         m_ui->textDescription->setPlainText(m_record.description);
     m_step = Describing;
-}
-
-// True when this was the first touch and has left nothing in the field. It wipes the prompt; what
-// has come into the field with it stays.
-bool CUploadMediaController::touchCaption()
-{
-    QLineEdit *field = m_ui->lineCaption;
-    if (m_captionCleared || !m_captionEmpty || field->property(editedProperty()).toBool())
-        return false;
-    m_captionCleared = true;
-    field->setProperty(editedProperty(), true);
-    const QString given = withoutPrompt(field->text(), m_captionPrompt);
-    {
-        // Selected and deleted, since to set a text would also take an input method's first letter.
-        const QSignalBlocker quiet(field);
-        field->selectAll();
-    }
-    field->insert(given);
-    return given.isEmpty();
-}
-
-bool CUploadMediaController::touchDescription()
-{
-    QPlainTextEdit *field = m_ui->textDescription;
-    if (m_descriptionCleared || !m_descriptionEmpty || field->property(editedProperty()).toBool())
-        return false;
-    m_descriptionCleared = true;
-    field->setProperty(editedProperty(), true);
-    const QString given = withoutPrompt(field->toPlainText(), m_descriptionPrompt);
-    field->clear();
-    field->insertPlainText(given);
-    return given.isEmpty();
-}
-
-// Letters may come without a key and without a move of the cursor, as from a screen reader.
-void CUploadMediaController::captionChanged()
-{
-    if (m_ui->lineCaption->text() != m_captionPrompt)
-        touchCaption();
-}
-
-void CUploadMediaController::descriptionChanged()
-{
-    if (m_ui->textDescription->toPlainText() != m_descriptionPrompt)
-        touchDescription();
 }
 
 void CUploadMediaController::captionPosChanged(int aOld, int aNew)
 {
     Q_UNUSED(aOld)
-    if (touchCaption())
-        return;
-    const QString text = m_ui->lineCaption->text();
-    if (text.isEmpty())
-        return;
-    m_captionEmpty = false;
-    if (text == capitalized(text))
-        return;
-    m_ui->lineCaption->setText(capitalized(text));
-    m_ui->lineCaption->setCursorPosition(aNew);
+    m_caption->cursorMoved(aNew);
 }
 
 void CUploadMediaController::descriptionPosChanged()
 {
-    if (touchDescription())
-        return;
-    QPlainTextEdit *field = m_ui->textDescription;
-    const QString text = field->toPlainText();
-    if (text.isEmpty())
-        return;
-    m_descriptionEmpty = false;
-    if (text == capitalized(text))
-        return;
-    field->clear();
-    field->appendPlainText(capitalized(text));
-    // The cursor goes behind the first character, wherever the member was typing.
-    QTextCursor cursor = field->textCursor();
-    cursor.movePosition(QTextCursor::Start);
-    cursor.movePosition(QTextCursor::NextCharacter);
-    field->setTextCursor(cursor);
-    field->ensureCursorVisible();
+    m_description->cursorMoved();
 }
 
 void CUploadMediaController::doneClick()
 {
-    if (m_captionEmpty) {
+    if (m_caption->isEmpty()) {
         MessageBox::tell(this, QMessageBox::NoIcon, QString(), tr("Please enter a caption."),
                          MessageBox::ByItself);
         return;
     }
 
     setPercentage(34);
-    m_record.caption = m_ui->lineCaption->text();
+    m_record.caption = m_caption->text();
     // Kept in the record is only the prompt, for showDescription(); a written text stays in its
     // field until categorized() takes it.
-    m_record.description = m_descriptionEmpty ? m_ui->textDescription->toPlainText() : QString();
+    m_record.description = m_description->isEmpty() ? m_description->text() : QString();
     auto *page = new CKavlorAuctionCategorize(m_ui->pageArea, m_record.category, false);
     connect(page, &CKavlorAuctionCategorize::categoryChosen, this,
             &CUploadMediaController::categorized);
@@ -538,8 +304,8 @@ void CUploadMediaController::categorized(int aCategory)
 {
     setPercentage(69);
     m_record.category = aCategory;
-    m_record.caption = m_ui->lineCaption->text();
-    m_record.description = m_descriptionEmpty ? QString() : m_ui->textDescription->toPlainText();
+    m_record.caption = m_caption->text();
+    m_record.description = m_description->entered();
     auto *page = new CKavlorAuctionCreate(static_cast<int>(m_record.reservePrice),
                                           static_cast<int>(m_record.buyItNowPrice),
                                           static_cast<int>(m_record.startPrice), m_ui->pageArea);

@@ -5,15 +5,14 @@
 
 #include <QFrame>
 #include <QPointer>
-#include <QSize>
-#include <QStringList>
-#include <QTimer>
+#include <QString>
 #include <memory>
 #include <optional>
 
 class CHttpTolvex;
 class CKavlorUser;
 class CProgressiveModel;
+class PromptedField;
 
 namespace Ui {
 class CUploadMediaController;
@@ -64,7 +63,6 @@ public slots:
 
 protected:
     bool event(QEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
@@ -81,14 +79,6 @@ private:
     void offerDraft();
     void takeUpDraft();
     void keepDraft();
-    void showPrompt();
-    bool showImage();
-    void showVideoIcon();
-    void rotatePreview();
-    bool touchCaption();
-    bool touchDescription();
-    void captionChanged();
-    void descriptionChanged();
 
     CKavlorUser *m_user;
     QPointer<CHttpTolvex> m_request;
@@ -101,15 +91,7 @@ private:
     bool m_uploading = false;
     bool m_placed = false; // the record is on auction
     bool m_leaving = false;
-    bool m_captionEmpty = true; // no first character seen yet
-    bool m_descriptionEmpty = true;
-    bool m_captionCleared = false; // the prompt in it was wiped
-    bool m_descriptionCleared = false;
-    QTimer m_rotationTimer;
-    QSize m_imageSize; // of the photo in its file
-    QStringList m_imageTextKeys;
-    QSize m_previewSize;   // of the preview when media was first shown
+    PromptedField *m_caption = nullptr; // children of their fields
+    PromptedField *m_description = nullptr;
     QString m_chooserText; // the prompt over the preview
-    QString m_captionPrompt;
-    QString m_descriptionPrompt;
 };

@@ -1,0 +1,105 @@
+#include "mediapreview.h"
+
+#include "photofile.h"
+#include "timeconstants.h"
+
+#include <QFont>
+#include <QImage>
+#include <QPainter>
+#include <QPixmap>
+#include <QPixmapCache>
+#include <QResizeEvent>
+#include <QTransform>
+
+namespace {
+
+bool isSideways(const QSize &image, const QSize &preview)
+{
+    const bool imageIsPortrait = image.height() > image.width();
+    const bool imageIsLandscape = image.width() > image.height();
+    const bool previewIsPortrait = preview.height() > preview.width();
+    const bool previewIsLandscape = preview.width() > preview.height();
+    return (imageIsPortrait && previewIsLandscape) || (imageIsLandscape && previewIsPortrait);
+}
+
+QPixmap paintVideoIcon(const QSize &size)
+{
+    QPixmap icon = QPixmap(QStringLiteral(":/videoicon.png"))
+                       .scaled(size, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    QPainter painter(&icon);
+    painter.setFont(QFont(QStringLiteral("SmallSystemFont"), 16, QFont::Normal));
+    painter.setPen(QColor(41, 53, 95));
+    const int half = size.height() / 2;
+    painter.drawText(QRect(2, half, size.width() - 4, half), Qt::AlignCenter | Qt::TextWordWrap,
+                     MediaPreview::tr("Your media\nhas been selected.\n"
+                                      "Please describe\nand categorize it."));
+    return icon;
+}
+
+} // namespace
+
+MediaPreview::MediaPreview(QWidget *parent)
+    : QLabel(parent)
+{
+    m_rotationTimer.setSingleShot(true);
+    connect(&m_rotationTimer, &QTimer::timeout, this, &MediaPreview::rotate);
+}
+
+void MediaPreview::showPrompt()
+{
+    static const QImage background(QStringLiteral(":/UploadBG.png"));
+    m_rotationTimer.stop();
+    m_showsPrompt = true;
+    setPixmap(QPixmap::fromImage(
+        background.scaled(size(), Qt::KeepAspectRatio, Qt::SmoothTransformation)));
+}
+
+bool MediaPreview::showPhoto(const QString &fileName)
+{
+    m_rotationTimer.stop();
+    // A box as wide as high: a photo of either form then fits, turned or not.
+    const QSize box(m_shownSize.height(), m_shownSize.height());
+    const ShownPhoto photo = readPhoto(fileName, box);
+    if (photo.image.isNull())
+        return false;
+
+    m_showsPrompt = false;
+    m_photoTextKeys = photo.image.textKeys();
+    m_photoSize = photo.originalSize;
+    setPixmap(QPixmap::fromImage(photo.image));
+    if (isSideways(m_photoSize, m_shownSize))
+        m_rotationTimer.start(timeConstants().rotationDelay);
+    return true;
+}
+
+void MediaPreview::showClip()
+{
+    m_rotationTimer.stop();
+    m_showsPrompt = false;
+    const QString key = QStringLiteral(":/videoicon.png");
+    QPixmap icon;
+    if (!QPixmapCache::find(key, &icon)) {
+        icon = paintVideoIcon(m_shownSize);
+        QPixmapCache::insert(key, icon);
+    }
+    setPixmap(icon);
+}
+
+void MediaPreview::keepSize()
+{
+    if (!m_shownSize.isValid())
+        m_shownSize = size();
+}
+
+void MediaPreview::resizeEvent(QResizeEvent *event)
+{
+    QLabel::resizeEvent(event);
+    if (m_showsPrompt)
+        showPrompt();
+}
+
+void MediaPreview::rotate()
+{
+    static const QTransform clockwise = QTransform().rotate(90);
+    setPixmap(pixmap().transformed(clockwise));
+}

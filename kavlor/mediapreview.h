@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QLabel>
+#include <QSize>
+#include <QStringList>
+#include <QTimer>
+
+/**
+ * Shows in the upload wizard what the member has chosen: a photo, turned where it lies across, a
+ * picture that stands for every clip, or the background of the prompt while there is nothing.
+ */
+class MediaPreview : public QLabel
+{
+    Q_OBJECT
+
+public:
+    explicit MediaPreview(QWidget *parent = nullptr);
+
+    /** The background of the prompt, as large as it fits, now and when the size changes. */
+    void showPrompt();
+    /** False when there is no picture in the file; what was shown stays then. */
+    bool showPhoto(const QString &fileName);
+    void showClip();
+
+    /**
+     * Photos and clips are shown in the size that the preview has at the first call, whatever
+     * becomes of it later.
+     */
+    void keepSize();
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void rotate();
+
+    bool m_showsPrompt = true;
+    QSize m_shownSize; // at the first keepSize()
+    QSize m_photoSize; // in its file
+    QStringList m_photoTextKeys;
+    QTimer m_rotationTimer;
+};
