@@ -105,7 +105,7 @@ bool openSettings(RootWindow &window)
 bool signOut(RootWindow &window)
 {
     return window.click("cancelNavigationButton")
-        && QTest::qWaitFor([&window] { return window.shown<FrameWelcomeKavlor>() != nullptr; });
+        && waitUntil([&window] { return window.shown<FrameWelcomeKavlor>() != nullptr; });
 }
 
 bool logIn(RootWindow &window, const QString &name)

@@ -50,7 +50,6 @@ namespace {
 
 // Below the most that the service takes, and far above what waits between two sockets.
 constexpr qint64 clipSize = 60L * 1024 * 1024;
-constexpr qint64 patience = 30000; // ms
 
 QString name(const char *objectName)
 {

@@ -154,7 +154,7 @@ public:
         stage.service.expect("GetMyAuctions", auctionReply(count).toUtf8());
         frame = new CKavlorMyAuctionsController(&user, stage.area());
         table = frame->findChild<QTableView *>();
-        return stage.show(frame) && QTest::qWaitFor([this] { return table->isVisible(); });
+        return stage.show(frame) && waitUntil([this] { return table->isVisible(); });
     }
     int openCount()
     {
@@ -459,7 +459,7 @@ QAbstractScrollArea *tst_FingerScroll::terms()
         return nullptr;
     screen->frame.findChild<QTabWidget *>()->setCurrentIndex(1);
     const auto *accepted = screen->frame.findChild<QCheckBox *>();
-    return QTest::qWaitFor([accepted] { return accepted->isEnabled(); })
+    return waitUntil([accepted] { return accepted->isEnabled(); })
         ? screen->frame.findChild<QPlainTextEdit *>()
         : nullptr;
 }

@@ -35,7 +35,7 @@ public:
     bool open(const QByteArray &terms = "<p>terms</p>")
     {
         stage.service.expect("GetServiceTerms", terms);
-        return openUnscripted() && QTest::qWaitFor([this] { return box()->isEnabled(); });
+        return openUnscripted() && waitUntil([this] { return box()->isEnabled(); });
     }
     bool openUnscripted()
     {
@@ -738,9 +738,9 @@ void tst_FrameCreateAccount::formWaitsForTheReply()
     creation.stage.service.expectHeld("CreateAccount", "ERROR: taken");
     creation.createAccount();
     QTRY_VERIFY(creation.stage.service.isHolding());
-    const QString patience = QStringLiteral("Please wait, while your account is created on site.");
-    QCOMPARE(creation.toolTip(), patience);
-    QCOMPARE(creation.button()->toolTip(), patience);
+    const QString plea = QStringLiteral("Please wait, while your account is created on site.");
+    QCOMPARE(creation.toolTip(), plea);
+    QCOMPARE(creation.button()->toolTip(), plea);
     QCOMPARE(creation.error(), QString());
     QVERIFY(!creation.button()->isEnabled());
     // What is under way is what will be saved.
@@ -869,9 +869,9 @@ void tst_FrameCreateAccount::lateReplyUnderTheFailureBoxCreatesNothing()
     ScriptedService &service = creation.stage.service;
     DialogAnswers &dialogs = creation.stage.dialogs;
     dialogs.beforeNextAnswer([&] {
-        QVERIFY(QTest::qWaitFor([&] { return service.isHolding(); }));
+        QVERIFY(waitUntil([&] { return service.isHolding(); }));
         QVERIFY(service.release());
-        QVERIFY(QTest::qWaitFor([&] { return dialogs.boxes().size() == 1; }));
+        QVERIFY(waitUntil([&] { return dialogs.boxes().size() == 1; }));
     });
     service.expectHeld("CreateAccount", "4711");
     creation.submit();

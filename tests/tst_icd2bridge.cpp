@@ -174,7 +174,7 @@ void tst_Icd2Bridge::cleanup()
 bool tst_Icd2Bridge::start(const QStringList &arguments)
 {
     m_bridge->start(QStringLiteral(KAVLOR_BRIDGE), arguments);
-    return m_bridge->waitForStarted() && QTest::qWaitFor([] { return isOwned(daemonName); });
+    return m_bridge->waitForStarted() && waitUntil([] { return isOwned(daemonName); });
 }
 
 // The bridge as it ends by itself.
@@ -455,8 +455,8 @@ void tst_Icd2Bridge::aFloodOfCallsFillsNoMemory()
     for (int calls = 0; calls < 300000; ++calls)
         QDBusConnection::systemBus().send(request);
     // It answers what comes after them.
-    constexpr int patience = 240000; // ms; all of them come before
-    QCOMPARE(QDBusConnection::systemBus().call(request, QDBus::Block, patience).arguments(),
+    constexpr int allBefore = 240000; // ms
+    QCOMPARE(QDBusConnection::systemBus().call(request, QDBus::Block, allBefore).arguments(),
              (QList<QVariant>{1U}));
     const qint64 most = peakMemoryOf(m_bridge->processId());
     QVERIFY2(most > 0 && most < 60 * 1024, qPrintable(QString::number(most)));

@@ -237,7 +237,7 @@ bool tst_KavlorMyAuctionsController::loadHidden(const QString &reply)
     m_service->expect("GetMyAuctions", reply.toUtf8());
     make();
     QSignalSpy finished(http(), qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
-    return finished.wait() && model()->rowCount() > 0;
+    return finished.wait(patience) && model()->rowCount() > 0;
 }
 
 // Comes back when the service has answered a request sent after all others.
@@ -247,7 +247,7 @@ void tst_KavlorMyAuctionsController::settle()
     QSignalSpy finished(&probe, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
     m_service->expect("GetServiceTerms", "terms");
     probe.getServiceTerms();
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(patience));
     QCOMPARE(finished.constFirst().constFirst().toString(), QStringLiteral("terms"));
 }
 
@@ -293,7 +293,7 @@ void tst_KavlorMyAuctionsController::waitsForTheConnectionWithTheTextOnScreen()
     m_frame->show();
     QSignalSpy finished(http(), qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
     PaintCounter paints(label());
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(patience));
     QVERIFY(paints.count > 0);
     QCOMPARE(finished.constFirst().constFirst().toString(), QStringLiteral("ERROR:no connection"));
     QCOMPARE(label()->text(), QStringLiteral("Please wait while data is populated..."));
@@ -370,7 +370,7 @@ void tst_KavlorMyAuctionsController::aFailedListKeepsWaiting()
     make();
     m_frame->show();
     QSignalSpy finished(http(), qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(patience));
     m_frame->requestThumbnail(1); // nothing else is fetched either
     settle();
     QCOMPARE(label()->text(), QStringLiteral("Please wait while data is populated..."));
@@ -387,7 +387,7 @@ void tst_KavlorMyAuctionsController::aListThatIsNeverAnsweredKeepsWaiting()
     make();
     m_frame->show();
     QSignalSpy finished(http(), qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(patience));
     QCOMPARE(finished.constFirst().constFirst().toString(), QStringLiteral("ERROR:timeout"));
     QCOMPARE(label()->text(), QStringLiteral("Please wait while data is populated..."));
     QCOMPARE(m_dialogs->boxes().size(), 0);
@@ -683,7 +683,7 @@ void tst_KavlorMyAuctionsController::aTextReplyDropsTheHeadUntilTheModelAsksAgai
     QSignalSpy finished(http(), qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
     for (const uint id : {1u, 2u, 3u})
         m_frame->requestThumbnail(id);
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(patience));
     settle();
     QCOMPARE(thumbnailIds(), QByteArrayList{"1"});
     QVERIFY(model()->auction(1).noThumbnail);
@@ -705,7 +705,7 @@ void tst_KavlorMyAuctionsController::aFailedTextReplyIsIgnored()
     m_service->expect("GetThumbnail", "ERROR: no such auction");
     QSignalSpy finished(http(), qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
     m_frame->requestThumbnail(1);
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(patience));
     m_frame->requestThumbnail(2);
     settle();
     QCOMPARE(thumbnailIds(), QByteArrayList{"1"});
@@ -723,7 +723,7 @@ void tst_KavlorMyAuctionsController::anImageErrorStopsThumbnailsForGood()
     QSignalSpy finished(http(), qOverload<QPixmap, QString>(&CHttpTolvex::requestIsFinished));
     m_frame->requestThumbnail(1);
     m_frame->requestThumbnail(2);
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(patience));
     QVERIFY(!finished.constFirst().at(1).toString().isEmpty());
     m_frame->requestThumbnail(3);
     settle();
@@ -751,14 +751,14 @@ void tst_KavlorMyAuctionsController::theTimerOfAFinishedRequestCancelsALaterOne(
     QCOMPARE(finished.size(), 0);
 
     // The list's timer runs out with the thumbnail in flight.
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(patience));
     QCOMPARE(finished.takeFirst().constFirst().toString(), QStringLiteral("ERROR:timeout"));
     settle();
     QCOMPARE(thumbnailIds(), QByteArrayList{"1"});
 
     // Its transfer runs on to an empty second result, which drops it.
     m_service->release();
-    QVERIFY(finished.wait());
+    QVERIFY(finished.wait(patience));
     QCOMPARE(finished.constFirst(), (QVariantList{QString(), QString()}));
     QVERIFY(model()->auction(1).noThumbnail);
     m_service->expect(thumbnailStep(2));

@@ -259,7 +259,7 @@ namespace {
 
 bool hasTerms(const FrameCreateAccount &frame)
 {
-    return QTest::qWaitFor([&] { return frame.findChild<QCheckBox *>()->isEnabled(); });
+    return waitUntil([&] { return frame.findChild<QCheckBox *>()->isEnabled(); });
 }
 
 } // namespace
@@ -328,7 +328,7 @@ QString tst_MessageBox::refusedAccount(const QString &part)
     stage.service.expect("CreateAccount", part.toUtf8());
     QTest::mouseClick(frame.findChild<QPushButton *>(QStringLiteral("submitButton")),
                       Qt::LeftButton);
-    return QTest::qWaitFor([&] { return !stage.dialogs.boxes().isEmpty(); }) ? text : QString();
+    return waitUntil([&] { return !stage.dialogs.boxes().isEmpty(); }) ? text : QString();
 }
 
 namespace {
@@ -402,8 +402,7 @@ QString tst_MessageBox::uploadFailed(const QString &part)
     expectBox(driver.window.dialogs, text);
     driver.window.service.expect("CreateAuction", part.toUtf8());
     driver.wizard->createAuction();
-    return QTest::qWaitFor([&] { return !driver.window.dialogs.boxes().isEmpty(); }) ? text
-                                                                                     : QString();
+    return waitUntil([&] { return !driver.window.dialogs.boxes().isEmpty(); }) ? text : QString();
 }
 
 QString tst_MessageBox::pricesRefused(const QString &)
@@ -433,7 +432,7 @@ QString tst_MessageBox::auctionFinished(const QString &)
     if (!stage.show(&frame))
         return {};
     auto *table = frame.findChild<QTableView *>();
-    if (!QTest::qWaitFor([table] { return table->isVisible(); }))
+    if (!waitUntil([table] { return table->isVisible(); }))
         return {};
     expectBox(stage.dialogs, text);
     QTest::mouseClick(table->viewport(), Qt::LeftButton, {},
@@ -455,7 +454,7 @@ QString tst_MessageBox::priceChangeFailed(const QString &part)
     expectBox(stage.dialogs, text);
     stage.service.expect("ModifyAuction", part.toUtf8());
     QTest::mouseClick(frame.findChild<QPushButton *>(QStringLiteral("done")), Qt::LeftButton);
-    return QTest::qWaitFor([&] { return !stage.dialogs.boxes().isEmpty(); }) ? text : QString();
+    return waitUntil([&] { return !stage.dialogs.boxes().isEmpty(); }) ? text : QString();
 }
 
 QString tst_MessageBox::priceChangeDone(const QString &)
@@ -469,7 +468,7 @@ QString tst_MessageBox::priceChangeDone(const QString &)
     expectBox(stage.dialogs, text);
     stage.service.expect("ModifyAuction", "1");
     QTest::mouseClick(frame.findChild<QPushButton *>(QStringLiteral("done")), Qt::LeftButton);
-    return QTest::qWaitFor([&] { return !stage.dialogs.boxes().isEmpty(); }) ? text : QString();
+    return waitUntil([&] { return !stage.dialogs.boxes().isEmpty(); }) ? text : QString();
 }
 
 void tst_MessageBox::everyBoxOfTheProgram_data()

@@ -84,7 +84,7 @@ public:
     QByteArray sent()
     {
         submit();
-        if (!QTest::qWaitFor([this] { return !done->isEmpty() || !cancelled->isEmpty(); }))
+        if (!waitUntil([this] { return !done->isEmpty() || !cancelled->isEmpty(); }))
             return "no end";
         return stage.service.requests().value(0).body;
     }

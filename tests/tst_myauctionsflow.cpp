@@ -66,7 +66,7 @@ bool tst_MyAuctionsFlow::openList(const QString &reply)
 {
     m_window->service.expect("GetMyAuctions", reply.toUtf8());
     return m_window->click("buttonMyKavlor")
-        && QTest::qWaitFor([this] { return m_window->find("myAuctionsTable") != nullptr; });
+        && waitUntil([this] { return m_window->find("myAuctionsTable") != nullptr; });
 }
 
 bool tst_MyAuctionsFlow::openPrices(int row)

@@ -84,7 +84,7 @@ public:
         if (!stage.show(&frame))
             return false;
         frame.findChild<QTabWidget *>()->setCurrentIndex(1);
-        if (!QTest::qWaitFor([this] { return stage.service.isHolding(); }))
+        if (!waitUntil([this] { return stage.service.isHolding(); }))
             return false;
         stage.service.release();
         const auto *accepted = frame.findChild<QCheckBox *>();

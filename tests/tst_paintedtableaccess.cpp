@@ -62,7 +62,7 @@ QTableView *tst_PaintedTableAccess::openCategories(RootWindow *window)
     image.save(photo);
     window->dialogs.chooseFile(photo);
     if (!window->startAtHome() || !window->click("buttonUpload") || !window->click("photoClicker")
-        || !QTest::qWaitFor([&] { return window->find("doneButton")->isEnabled(); })
+        || !waitUntil([&] { return window->find("doneButton")->isEnabled(); })
         || !window->type("lineCaption", QStringLiteral("Caption")) || !window->click("doneButton"))
         return nullptr;
     return window->find<QTableView>("categoriesTable");

@@ -69,7 +69,7 @@ QList<int> tst_ProgressiveModel::litColumns(CProgressiveModel *model, int steps)
             model->animate(false, 0, 0);
     });
     model->animate(true, 1, 0);
-    if (!QTest::qWaitFor([&] { return lit.size() == steps; }))
+    if (!waitUntil([&] { return lit.size() == steps; }))
         model->animate(false, 0, 0);
     return lit;
 }

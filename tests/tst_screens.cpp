@@ -196,7 +196,7 @@ bool tst_Screens::toWelcome(RootWindow &window)
 bool tst_Screens::toLogin(RootWindow &window)
 {
     return toWelcome(window) && window.click("loginButton")
-        && QTest::qWaitFor([&] { return window.find("linePassword"); });
+        && waitUntil([&] { return window.find("linePassword"); });
 }
 
 bool tst_Screens::toLoginRefused(RootWindow &window)
@@ -204,16 +204,16 @@ bool tst_Screens::toLoginRefused(RootWindow &window)
     window.scriptStart();
     window.service.expect("ValidateLogin", "0");
     window.start();
-    return QTest::qWaitFor([&] { return window.find("createAccountButton"); })
+    return waitUntil([&] { return window.find("createAccountButton"); })
         && window.click("loginButton") && window.type("lineUsername", QStringLiteral("m1"))
         && window.type("linePassword", QStringLiteral("secret")) && window.click("loginButton")
-        && QTest::qWaitFor([&] { return !window.text("labelError").isEmpty(); });
+        && waitUntil([&] { return !window.text("labelError").isEmpty(); });
 }
 
 bool tst_Screens::toCreateAccount(RootWindow &window)
 {
     return toWelcome(window) && window.click("createAccountButton")
-        && QTest::qWaitFor([&] { return window.find("submitButton"); });
+        && waitUntil([&] { return window.find("submitButton"); });
 }
 
 bool tst_Screens::toCreateAccountError(RootWindow &window)
@@ -239,23 +239,22 @@ bool tst_Screens::toHome(RootWindow &window)
 bool tst_Screens::toUpload(RootWindow &window)
 {
     return toHome(window) && window.click("buttonUpload")
-        && QTest::qWaitFor([&] { return window.find("photoClicker"); });
+        && waitUntil([&] { return window.find("photoClicker"); });
 }
 
 bool tst_Screens::toDescription(RootWindow &window)
 {
     window.dialogs.chooseFile(m_photo);
     return toUpload(window) && window.click("photoClicker")
-        && QTest::qWaitFor([&] { return window.find("doneButton")->isEnabled(); })
+        && waitUntil([&] { return window.find("doneButton")->isEnabled(); })
         && window.type("lineCaption", QStringLiteral("Evening at the lake"));
 }
 
 bool tst_Screens::toUploadThatWasLeft(RootWindow &window)
 {
     return toDescription(window) && window.click("cancelNavigationButton")
-        && QTest::qWaitFor([&] { return window.find("buttonUpload"); })
-        && window.click("buttonUpload")
-        && QTest::qWaitFor([&] { return window.find("takeUpButton"); });
+        && waitUntil([&] { return window.find("buttonUpload"); }) && window.click("buttonUpload")
+        && waitUntil([&] { return window.find("takeUpButton"); });
 }
 
 bool tst_Screens::toCategory(RootWindow &window)
@@ -280,13 +279,13 @@ bool tst_Screens::toPrices(RootWindow &window)
     auto *table = window.find<QTableView>("categoriesTable");
     const QModelIndex football = table->model()->index(0, 1);
     QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(football).center());
-    return QTest::qWaitFor([&] { return window.find("finalizeButton"); });
+    return waitUntil([&] { return window.find("finalizeButton"); });
 }
 
 bool tst_Screens::toConfirm(RootWindow &window)
 {
     return toPrices(window) && window.click("finalizeButton")
-        && QTest::qWaitFor([&] { return window.find("createAuctionButton"); });
+        && waitUntil([&] { return window.find("createAuctionButton"); });
 }
 
 bool tst_Screens::toUploaded(RootWindow &window)
@@ -295,7 +294,7 @@ bool tst_Screens::toUploaded(RootWindow &window)
         return false;
     window.service.expect("CreateAuction", "17");
     return window.click("createAuctionButton")
-        && QTest::qWaitFor([&] { return window.find("buttonOk"); });
+        && waitUntil([&] { return window.find("buttonOk"); });
 }
 
 bool tst_Screens::toMyAuctionsWaiting(RootWindow &window)
@@ -303,14 +302,13 @@ bool tst_Screens::toMyAuctionsWaiting(RootWindow &window)
     if (!toHome(window))
         return false;
     window.service.expectHeld("GetMyAuctions", "header\n");
-    return window.click("buttonMyKavlor")
-        && QTest::qWaitFor([&] { return window.service.isHolding(); })
+    return window.click("buttonMyKavlor") && waitUntil([&] { return window.service.isHolding(); })
         && window.find("labelPleaseWait");
 }
 
 bool tst_Screens::toMyAuctionsEmpty(RootWindow &window)
 {
-    return toMyAuctionsWaiting(window) && window.service.release() && QTest::qWaitFor([&] {
+    return toMyAuctionsWaiting(window) && window.service.release() && waitUntil([&] {
                return window.text("labelPleaseWait")
                    == QLatin1String("There is no data to display.");
            });
@@ -331,8 +329,7 @@ bool tst_Screens::toMyAuctions(RootWindow &window)
     thumbnail.operation = "GetThumbnail";
     thumbnail.held = true;
     window.service.expect(thumbnail);
-    return window.click("buttonMyKavlor")
-        && QTest::qWaitFor([&] { return window.service.isHolding(); });
+    return window.click("buttonMyKavlor") && waitUntil([&] { return window.service.isHolding(); });
 }
 
 bool tst_Screens::toPriceChange(RootWindow &window)
@@ -342,19 +339,19 @@ bool tst_Screens::toPriceChange(RootWindow &window)
     auto *table = window.find<QTableView>("myAuctionsTable");
     const QModelIndex cell = table->model()->index(0, 1);
     QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(cell).center());
-    return QTest::qWaitFor([&] { return window.find("reservedPrice"); });
+    return waitUntil([&] { return window.find("reservedPrice"); });
 }
 
 bool tst_Screens::toSettings(RootWindow &window)
 {
     return toHome(window) && window.click("buttonSettings")
-        && QTest::qWaitFor([&] { return window.find("pushButtonMyAccount"); });
+        && waitUntil([&] { return window.find("pushButtonMyAccount"); });
 }
 
 bool tst_Screens::toMyAccount(RootWindow &window)
 {
     return toSettings(window) && window.click("pushButtonMyAccount")
-        && QTest::qWaitFor([&] { return window.find("lineConfirm"); });
+        && waitUntil([&] { return window.find("lineConfirm"); });
 }
 
 bool tst_Screens::toMyAccountError(RootWindow &window)
@@ -367,7 +364,7 @@ bool tst_Screens::toMyAccountError(RootWindow &window)
 bool tst_Screens::toAlerts(RootWindow &window)
 {
     return toSettings(window) && window.click("pushButtonNotifications")
-        && QTest::qWaitFor([&] { return window.find("checkBoxOnBid"); });
+        && waitUntil([&] { return window.find("checkBoxOnBid"); });
 }
 
 void tst_Screens::everythingIsInPlace_data()

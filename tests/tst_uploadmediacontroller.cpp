@@ -135,7 +135,7 @@ public:
 
     bool waitForPrices()
     {
-        return QTest::qWaitFor([this] { return window.find("finalizeButton") != nullptr; });
+        return waitUntil([this] { return window.find("finalizeButton") != nullptr; });
     }
 
     bool toPrices()
@@ -187,13 +187,13 @@ public:
     {
         window.service.expectHeld("CreateAuction", reply);
         return toConfirmation() && window.click("createAuctionButton")
-            && QTest::qWaitFor([this] { return window.service.isHolding(); });
+            && waitUntil([this] { return window.service.isHolding(); });
     }
 
     bool waitForHome()
     {
-        return QTest::qWaitFor([this] { return window.shown<KavlorKnownUser>() != nullptr; })
-            && QTest::qWaitFor([this] { return !wizard; });
+        return waitUntil([this] { return window.shown<KavlorKnownUser>() != nullptr; })
+            && waitUntil([this] { return !wizard; });
     }
 
     // Which cell of the progress strip is lit.
@@ -1991,7 +1991,7 @@ void tst_UploadMediaController::aReplyDuringAMessageIsSafe()
     const QString broken = driver.makeFile(QStringLiteral("broken.jpg"));
     driver.window.dialogs.beforeNextAnswer([&driver] {
         driver.window.service.release();
-        QVERIFY(QTest::qWaitFor([&driver] { return !driver.wizard; }));
+        QVERIFY(waitUntil([&driver] { return !driver.wizard; }));
     });
     emit driver.wizard->pictureIsChosen(broken);
     QVERIFY(driver.waitForHome());
@@ -2008,7 +2008,7 @@ void tst_UploadMediaController::aFailureDuringTheFileDialogIsSafe()
         QVERIFY(driver.window.click("backNavigationButton"));
     driver.window.dialogs.beforeNextAnswer([&driver] {
         driver.window.service.release();
-        QVERIFY(QTest::qWaitFor([&driver] { return !driver.wizard; }));
+        QVERIFY(waitUntil([&driver] { return !driver.wizard; }));
     });
     driver.choose(driver.makePhoto(QStringLiteral("b.png"), 40, 30));
     QVERIFY(driver.waitForHome());

@@ -1,5 +1,6 @@
 #include "clientdriver.h"
 
+#include "patience.h"
 #include "testpaths.h"
 
 #include <QDir>
@@ -12,7 +13,6 @@
 
 namespace {
 
-constexpr int patience = 30000;  // ms; reached only when something is wrong
 constexpr int pollInterval = 20; // ms
 
 QJsonObject command(const char *action, const QString &name = {}, const QString &text = {})

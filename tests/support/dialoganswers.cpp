@@ -1,5 +1,7 @@
 #include "dialoganswers.h"
 
+#include "waituntil.h"
+
 #include <QApplication>
 #include <QEvent>
 #include <QFileDialog>
@@ -103,7 +105,7 @@ void DialogAnswers::answer(QObject *dialog)
     }
     files->selectNameFilter(filterFor(*files, path));
     // The dialog reads the folder by and by.
-    const bool selected = QTest::qWaitFor([files, path] {
+    const bool selected = waitUntil([files, path] {
         files->selectFile(path);
         return files->selectedFiles() == QStringList{path};
     });

@@ -2,6 +2,7 @@
 
 #include "httptolvex.h"
 #include "theme.h"
+#include "waituntil.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -65,7 +66,7 @@ bool FrameStage::settle()
     CHttpTolvex request;
     QSignalSpy finished(&request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
     request.getCountryList();
-    return !finished.isEmpty() || finished.wait();
+    return !finished.isEmpty() || finished.wait(patience);
 }
 
 CKavlorUser::Fields memberFields()

@@ -1,5 +1,6 @@
 #include "localserviceprocess.h"
 
+#include "patience.h"
 #include "testpaths.h"
 
 #include <QElapsedTimer>
@@ -12,7 +13,6 @@
 #include <QTcpSocket>
 
 namespace {
-constexpr int patience = 30000;
 }
 
 LocalServiceProcess::LocalServiceProcess(QObject *parent)

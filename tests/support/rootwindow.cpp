@@ -4,6 +4,7 @@
 #include "httptolvex.h"
 #include "kavlorcategorystore.h"
 #include "kavlorknownuser.h"
+#include "waituntil.h"
 
 #include <QAbstractButton>
 #include <QLabel>
@@ -88,7 +89,7 @@ bool RootWindow::startAtWelcome()
 {
     scriptStart();
     start();
-    return QTest::qWaitFor([this] { return shown<FrameWelcomeKavlor>() != nullptr; });
+    return waitUntil([this] { return shown<FrameWelcomeKavlor>() != nullptr; });
 }
 
 bool RootWindow::startAtHome()
@@ -96,7 +97,7 @@ bool RootWindow::startAtHome()
     remember(QStringLiteral("m1"), QStringLiteral("secret"));
     scriptSignedInStart();
     start();
-    return QTest::qWaitFor([this] { return shown<KavlorKnownUser>() != nullptr; });
+    return waitUntil([this] { return shown<KavlorKnownUser>() != nullptr; });
 }
 
 void RootWindow::end()
@@ -140,7 +141,7 @@ bool RootWindow::clickAsReplyComes(const char *name, QFrame *frame)
         return false;
     QSignalSpy results(request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished));
     DeletionHold hold(frame);
-    return click(name) && service.release() && results.wait();
+    return click(name) && service.release() && results.wait(patience);
 }
 
 bool RootWindow::type(const char *name, const QString &text)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "waituntil.h"
+
 #include <QObject>
 
 /**

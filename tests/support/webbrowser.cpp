@@ -1,5 +1,7 @@
 #include "webbrowser.h"
 
+#include "patience.h"
+
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QJsonArray>
@@ -9,8 +11,6 @@
 #include <QRegularExpression>
 
 namespace {
-
-constexpr int patience = 60000;
 
 // The key under which the driver names an element.
 const QString elementKey = QStringLiteral("element-6066-11e4-a52e-4f735466cecf");

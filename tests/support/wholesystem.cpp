@@ -1,6 +1,7 @@
 #include "wholesystem.h"
 
 #include "testpaths.h"
+#include "waituntil.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -40,7 +41,7 @@ bool WholeSystem::setNetworkState(int state)
                     QString::number(state)});
     const QString name = QStringLiteral("wholesystem");
     const QDBusConnection bus = QDBusConnection::connectToBus(m_bus.address(), name);
-    const bool up = QTest::qWaitFor([&bus] {
+    const bool up = waitUntil([&bus] {
         return bus.isConnected()
             && bus.interface()->isServiceRegistered(QStringLiteral("com.nokia.icd2"));
     });
