@@ -9,6 +9,7 @@
 #include "offlinedocument.h"
 #include "plaintooltip.h"
 #include "rootviewcontroller.h"
+#include "startfocus.h"
 #include "timeconstants.h"
 #include "ui_framecreateaccount.h"
 
@@ -40,6 +41,7 @@ FrameCreateAccount::FrameCreateAccount(QSettings *settings, CKavlorUser *user, Q
 {
     m_ui->setupUi(this);
     new ContentColumn(this, QSize(1040, 560));
+    new StartFocus(this, m_ui->lineUsername);
     setUpTerms();
     m_ui->termsEdit->setFont(QFont(QStringLiteral("LargeSystemFont"), termsPointSize));
     new PlainToolTip(m_ui->tabWidget);

@@ -5,6 +5,7 @@
 #include "kavlorlogin.h"
 #include "leaveframe.h"
 #include "rootviewcontroller.h"
+#include "startfocus.h"
 #include "ui_framewelcomekavlor.h"
 
 FrameWelcomeKavlor::FrameWelcomeKavlor(QSettings *settings, QWidget *parent)
@@ -14,6 +15,7 @@ FrameWelcomeKavlor::FrameWelcomeKavlor(QSettings *settings, QWidget *parent)
 {
     m_ui->setupUi(this);
     new ContentColumn(this, QSize(960, 480));
+    new StartFocus(this, m_ui->createAccountButton);
     connect(m_ui->createAccountButton, &QPushButton::clicked, this,
             &FrameWelcomeKavlor::showCreateAccountFrame);
     connect(m_ui->loginButton, &QPushButton::clicked, this, &FrameWelcomeKavlor::showLoginFrame);

@@ -6,6 +6,7 @@
 #include "paintedcelldelegate.h"
 #include "paintedtableaccess.h"
 #include "rootviewcontroller.h"
+#include "startfocus.h"
 #include "timeconstants.h"
 #include "ui_kavlorauctioncategorize.h"
 
@@ -38,6 +39,7 @@ CKavlorAuctionCategorize::CKavlorAuctionCategorize(QWidget *parent, int category
     , m_clearOnRenew(clearOnRenew)
 {
     m_ui->setupUi(this);
+    new StartFocus(this, m_ui->categoriesTable);
     setUpTable();
     m_chooseTimer.setSingleShot(true);
 
@@ -78,11 +80,7 @@ void CKavlorAuctionCategorize::setUpTable()
 
 void CKavlorAuctionCategorize::pickCurrent()
 {
-    QTableView *table = m_ui->categoriesTable;
-    categoryTableClicked(table->currentIndex());
-    // Another level starts without a current cell.
-    if (!table->currentIndex().isValid())
-        table->setCurrentIndex(m_model->index(0, CKavlorCategoryModel::CategoryColumn));
+    categoryTableClicked(m_ui->categoriesTable->currentIndex());
 }
 
 void CKavlorAuctionCategorize::renewCategories(int aCategory)
@@ -139,6 +137,9 @@ void CKavlorAuctionCategorize::redrawCategories(int aChosenCategory, QModelIndex
     m_drawnLevel = m_model->levelParent();
     if (levelChanged || aIndex.model() != m_model) {
         m_ui->categoriesTable->resizeRowsToContents();
+        // Where the keys begin.
+        m_ui->categoriesTable->setCurrentIndex(
+            m_model->index(0, CKavlorCategoryModel::CategoryColumn));
         m_ui->categoriesTable->scrollToTop();
     } else {
         m_ui->categoriesTable->update(aIndex);

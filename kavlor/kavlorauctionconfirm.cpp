@@ -4,6 +4,7 @@
 #include "fingerscroll.h"
 #include "kavlorcategorystore.h"
 #include "offlinedocument.h"
+#include "startfocus.h"
 #include "ui_kavlorauctionconfirm.h"
 
 #include <QEvent>
@@ -23,6 +24,7 @@ CKavlorAuctionConfirm::CKavlorAuctionConfirm(const CAuctionRecord *record, QWidg
     , m_ui(std::make_unique<Ui::CKavlorAuctionConfirm>())
 {
     m_ui->setupUi(this);
+    new StartFocus(this, m_ui->auctionOverallInfo);
     // A photo may be named like markup, which must not load anything either.
     auto *document = new OfflineDocument(m_ui->auctionOverallInfo);
     document->setDefaultStyleSheet(QStringLiteral("th,td{color: #697278;font-weight: 20px;}"));
@@ -45,6 +47,7 @@ void CKavlorAuctionConfirm::antiBotCheck(const QString &aText)
 
 void CKavlorAuctionConfirm::CreateAuctionClicked()
 {
+    m_ui->auctionOverallInfo->setFocus(); // not on to whatever comes next
     m_ui->createAuctionButton->setEnabled(false);
     emit CreateAuction();
 }

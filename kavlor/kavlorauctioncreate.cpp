@@ -2,6 +2,7 @@
 
 #include "leaveframe.h"
 #include "messagebox.h"
+#include "startfocus.h"
 #include "ui_kavlorauctioncreate.h"
 
 CKavlorAuctionCreate::CKavlorAuctionCreate(int reserve, int buyItNow, int start, QWidget *parent)
@@ -9,6 +10,7 @@ CKavlorAuctionCreate::CKavlorAuctionCreate(int reserve, int buyItNow, int start,
     , m_ui(std::make_unique<Ui::CKavlorAuctionCreate>())
 {
     m_ui->setupUi(this);
+    new StartFocus(this, m_ui->startPrice);
     m_ui->reservePrice->setValue(reserve);
     m_ui->buyItNowPrice->setValue(buyItNow);
     m_ui->startPrice->setValue(start);

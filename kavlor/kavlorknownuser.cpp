@@ -3,6 +3,7 @@
 #include "contentcolumn.h"
 #include "leaveframe.h"
 #include "rootviewcontroller.h"
+#include "startfocus.h"
 #include "ui_kavlorknownuser.h"
 
 KavlorKnownUser::KavlorKnownUser(const QString &userName, const QString &password, QWidget *parent)
@@ -13,6 +14,7 @@ KavlorKnownUser::KavlorKnownUser(const QString &userName, const QString &passwor
 {
     m_ui->setupUi(this);
     new ContentColumn(this, QSize(1120, 640));
+    new StartFocus(this, m_ui->buttonUpload);
     m_ui->labelWelcome->setText(m_userName);
     connect(m_ui->buttonMyKavlor, &QPushButton::clicked, this, &KavlorKnownUser::myKavlorClick);
     connect(m_ui->buttonSettings, &QPushButton::clicked, this, &KavlorKnownUser::settingsClick);

@@ -6,6 +6,7 @@
 #include "messagebox.h"
 #include "rootviewcontroller.h"
 #include "servicehost.h"
+#include "startfocus.h"
 #include "ui_kavlorlogin.h"
 
 namespace {
@@ -25,6 +26,7 @@ KavlorLogin::KavlorLogin(QSettings *settings, QWidget *parent)
 {
     m_ui->setupUi(this);
     new ContentColumn(this, QSize(960, 480));
+    new StartFocus(this, m_ui->lineUsername);
     m_ui->labelError->clear();
     m_ui->loginButton->setEnabled(false);
     m_ui->forgotPassword->setText(tr("I forgot <a href=\"%1\">password</a>").arg(passwordPage()));
@@ -74,6 +76,8 @@ void KavlorLogin::ValidationDone(const QString &aUnoOnSuccess, const QString &aE
             return;
     }
     setFormEnabled(true);
+    m_ui->linePassword->setFocus();
+    m_ui->linePassword->selectAll(); // to be typed anew
 }
 
 void KavlorLogin::lower()

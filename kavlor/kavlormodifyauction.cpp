@@ -3,6 +3,7 @@
 #include "httptolvex.h"
 #include "kavloruser.h"
 #include "messagebox.h"
+#include "startfocus.h"
 #include "ui_kavlormodifyauction.h"
 
 CKavlorModifyAuction::CKavlorModifyAuction(CKavlorUser *user, int auctionId,
@@ -15,6 +16,7 @@ CKavlorModifyAuction::CKavlorModifyAuction(CKavlorUser *user, int auctionId,
     , m_ui(std::make_unique<Ui::CKavlorModifyAuction>())
 {
     m_ui->setupUi(this);
+    new StartFocus(this, m_ui->reservedPrice);
     if (m_auction.finished) {
         emit done(0, 0, 0);
         return;
@@ -27,7 +29,6 @@ CKavlorModifyAuction::CKavlorModifyAuction(CKavlorUser *user, int auctionId,
     m_ui->buyItNowPrice->setValue(m_auction.buyItNowPrice);
     m_ui->reservedPrice->setValue(m_auction.reservePrice);
     connect(m_ui->done, &QPushButton::clicked, this, &CKavlorModifyAuction::doneClicked);
-    m_ui->reservedPrice->setFocus();
 }
 
 CKavlorModifyAuction::~CKavlorModifyAuction() = default;
@@ -50,6 +51,7 @@ void CKavlorModifyAuction::doneClicked()
 void CKavlorModifyAuction::requestIsFinished(const QString &response, const QString &error)
 {
     m_ui->done->setEnabled(true);
+    m_ui->done->setFocus();
     if (!CHttpTolvex::succeeded(response, error)) {
         MessageBox::tell(this, QMessageBox::Warning, tr("My kavlor"),
                          tr("One or more errors occured while updating auction.\n"

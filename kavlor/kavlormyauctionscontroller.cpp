@@ -99,7 +99,8 @@ void CKavlorMyAuctionsController::myAuctions(const QString &aData)
         CKavlorMyAuctionsModel::cellSize(CKavlorMyAuctionsModel::Info).height());
     table->show();
     table->setFocus();
-    table->selectRow(0); // shows where the keys begin
+    // Where the keys begin; the cell tells a screen reader all of the row.
+    table->setCurrentIndex(m_model->index(0, CKavlorMyAuctionsModel::Info));
 }
 
 void CKavlorMyAuctionsController::thumbnail(uint aAuctionID, const QPixmap &aImage)

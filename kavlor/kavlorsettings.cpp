@@ -7,6 +7,7 @@
 #include "modifyaccountcontroller.h"
 #include "notificationscontroller.h"
 #include "rootviewcontroller.h"
+#include "startfocus.h"
 #include "ui_kavlorsettings.h"
 
 CKavlorSettings::CKavlorSettings(CKavlorUser *user, CKavlorNotificationOptions *options,
@@ -19,6 +20,7 @@ CKavlorSettings::CKavlorSettings(CKavlorUser *user, CKavlorNotificationOptions *
 {
     m_ui->setupUi(this);
     new ContentColumn(this, QSize(1040, 480));
+    new StartFocus(this, m_ui->pushButtonMyAccount);
     connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
             &CKavlorSettings::dataRequestDone);
     connect(m_ui->pushButtonNotifications, &QPushButton::clicked, this,

@@ -3,6 +3,7 @@
 #include "contentcolumn.h"
 #include "httptolvex.h"
 #include "rootviewcontroller.h"
+#include "startfocus.h"
 #include "ui_modifyaccountcontroller.h"
 
 namespace {
@@ -45,6 +46,7 @@ CModifyAccountController::CModifyAccountController(CKavlorUser *user, QWidget *p
     m_edited->setParent(this);
     m_ui->setupUi(this);
     new ContentColumn(this, QSize(1040, 520));
+    new StartFocus(this, m_ui->checkBoxEmail);
     m_ui->errorLabelText->clear();
     m_ui->lineEmail->setText(m_edited->field(CKavlorUser::EmailAddress));
     m_ui->linePassword->setText(m_edited->field(CKavlorUser::Password));

@@ -5,6 +5,7 @@
 #include "kavlornotificationoptions.h"
 #include "kavloruser.h"
 #include "rootviewcontroller.h"
+#include "startfocus.h"
 #include "ui_notificationscontroller.h"
 
 #include <QEvent>
@@ -20,6 +21,7 @@ CNotificationsController::CNotificationsController(CKavlorUser *user,
 {
     m_ui->setupUi(this);
     new ContentColumn(this, QSize(960, 480));
+    new StartFocus(this, m_ui->checkBoxOnBid);
     for (QCheckBox *box : {m_ui->checkBoxOnBid, m_ui->checkBoxOnAuctionEnd, m_ui->checkBoxOnView,
                            m_ui->checkBoxBuyerQuestion}) {
         connect(box, &QCheckBox::clicked, this, &CNotificationsController::notificationChanged);

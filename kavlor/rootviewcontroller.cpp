@@ -1,6 +1,7 @@
 #include "rootviewcontroller.h"
 
 #include "doubletapguard.h"
+#include "enterkey.h"
 #include "framearea.h"
 #include "framecreateaccount.h"
 #include "framewelcomekavlor.h"
@@ -44,6 +45,7 @@ RootViewController::RootViewController(QSettings *settings, QWidget *parent)
     m_ui->mainView->setStyleSheet(themeStyleSheet());
 
     new DoubleTapGuard(m_ui->navigationBar);
+    new EnterKey(this);
 
     connect(this, &RootViewController::WelcomeKavlor, this, &RootViewController::ShowLoginOptions);
     makeRequest();

@@ -12,6 +12,7 @@
 #include "progressivemodel.h"
 #include "promptedfield.h"
 #include "rootviewcontroller.h"
+#include "startfocus.h"
 #include "timeconstants.h"
 #include "ui_uploadmediacontroller.h"
 #include "uploadmediaconfirmation.h"
@@ -55,6 +56,7 @@ CUploadMediaController::CUploadMediaController(CKavlorUser *user, QWidget *paren
 {
     m_ui->setupUi(this);
     new ContentColumn(this, QSize(1280, 720));
+    new StartFocus(this, m_ui->photoClicker);
     m_chooserText = m_ui->photoClicker->text();
     m_ui->descriptionFrame->setEnabled(false);
     m_ui->progressUpload->setProgress(m_progress);
@@ -256,8 +258,9 @@ void CUploadMediaController::keepDraft()
 
 void CUploadMediaController::showDescription()
 {
-    m_ui->DummylineEdit->setFocus();
     m_ui->photoClicker->setEnabled(true);
+    // Not to the fields, whose prompts wait for a touch; they come next.
+    m_ui->photoClicker->setFocus();
     setPercentage(1);
     m_ui->descriptionFrame->setEnabled(true);
     m_ui->descriptionFrame->show();

@@ -69,6 +69,7 @@ void tst_KavlorKnownUser::buttonsShowTheWays()
              QIcon(icon).pixmap(button->iconSize()).toImage());
     QCOMPARE(button->font().family(), QStringLiteral("AlMateen"));
 
+    m_window->find("textBrowser")->setFocus(); // which would show on the border
     const QImage shown = m_window->picture(name.constData());
     QVERIFY(showsColour(shown, Qt::white)); // the text
     const QColor border(0xcf, 0xcf, 0xcf);

@@ -1,5 +1,6 @@
 #include "framestage.h"
 
+#include "enterkey.h"
 #include "httptolvex.h"
 #include "theme.h"
 #include "waituntil.h"
@@ -36,6 +37,7 @@ FrameStage::FrameStage()
 {
     m_area.setStyleSheet(themeStyleSheet());
     m_area.resize(smallestArea);
+    new EnterKey(&m_area);
 }
 
 QWidget *FrameStage::area()

@@ -11,8 +11,9 @@
 #include <QTemporaryDir>
 
 /**
- * One frame by itself: in the common look and at the size it has in the smallest window, over a
- * scripted service, with settings of its own, being online. There is no root window above it.
+ * One frame by itself: in the common look, under the common keys and at the size it has in the
+ * smallest window, over a scripted service, with settings of its own, being online. There is no
+ * root window above it.
  *
  * A test makes the frame with area() as its parent and hands it to show().
  */

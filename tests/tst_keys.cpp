@@ -1,0 +1,422 @@
+#include "keyboard.h"
+#include "messagebox.h"
+#include "rootwindow.h"
+#include "testcase.h"
+#include "testmain.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QLineEdit>
+#include <QSpinBox>
+#include <QStandardPaths>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTest>
+
+/**
+ * The program as it is worked by keys alone: where each screen begins, what Enter does, and that
+ * the focus is never lost.
+ */
+class tst_Keys : public TestCase
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+
+    void screensBeginWhereAMemberDoes_data();
+    void screensBeginWhereAMemberDoes();
+    void numbersAndNamesCanBeTypedOver();
+    void menuBeginsWhereItWasLeft();
+    void tabLeadsFromThePhotoToItsCaption();
+    void categoriesBeginAtACellThatEnterUses();
+
+    void enterPressesTheButton_data();
+    void enterPressesTheButton();
+    void heldEnterPressesOnce();
+    void enterPressesTheFocusedButtonOfABox();
+
+    void refusedLoginGoesOnAtThePassword_data();
+    void refusedLoginGoesOnAtThePassword();
+    void focusComesBackAfterARefusedPrice();
+    void focusStaysOnTheSummaryWhileItIsSent();
+    void waitingScreensKeepAFocus();
+
+private:
+    using Way = bool (tst_Keys::*)(RootWindow &);
+
+    bool toWelcome(RootWindow &window);
+    bool toLogin(RootWindow &window);
+    bool toCreateAccount(RootWindow &window);
+    bool toHome(RootWindow &window);
+    bool toUpload(RootWindow &window);
+    bool toDescription(RootWindow &window);
+    bool toCategory(RootWindow &window);
+    bool toPrices(RootWindow &window);
+    bool toConfirm(RootWindow &window);
+    bool toUploaded(RootWindow &window);
+    bool toMyAuctions(RootWindow &window);
+    bool toPriceChange(RootWindow &window);
+    bool toSettings(RootWindow &window);
+    bool toMyAccount(RootWindow &window);
+    bool toAlerts(RootWindow &window);
+
+    QTemporaryDir m_folder;
+    QString m_photo;
+};
+
+namespace {
+
+QString name(const char *objectName)
+{
+    return QLatin1String(objectName);
+}
+
+// The window takes keys again after a dialog, as the window manager sees to.
+bool isInFront(RootWindow &window)
+{
+    window.root()->activateWindow();
+    return QTest::qWaitForWindowActive(window.root());
+}
+
+// Waits for the control, and for its window to take keys.
+bool comes(RootWindow &window, const char *control)
+{
+    return QTest::qWaitFor([&] { return window.find(control); }) && isInFront(window);
+}
+
+bool pressAt(const char *control, Qt::Key key)
+{
+    if (!Keyboard::tabTo(name(control)))
+        return false;
+    Keyboard::press(key);
+    return true;
+}
+
+} // namespace
+
+void tst_Keys::initTestCase()
+{
+    QVERIFY(QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)));
+    m_photo = m_folder.filePath(QStringLiteral("photo.png"));
+    QImage image(40, 30, QImage::Format_RGB32);
+    image.fill(QColor(90, 150, 210));
+    QVERIFY(image.save(m_photo));
+}
+
+bool tst_Keys::toWelcome(RootWindow &window)
+{
+    return window.startAtWelcome() && comes(window, "createAccountButton");
+}
+
+bool tst_Keys::toLogin(RootWindow &window)
+{
+    return toWelcome(window) && window.click("loginButton") && comes(window, "linePassword");
+}
+
+bool tst_Keys::toCreateAccount(RootWindow &window)
+{
+    return toWelcome(window) && window.click("createAccountButton")
+        && comes(window, "submitButton");
+}
+
+bool tst_Keys::toHome(RootWindow &window)
+{
+    return window.startAtHome() && comes(window, "buttonUpload");
+}
+
+bool tst_Keys::toUpload(RootWindow &window)
+{
+    return toHome(window) && window.click("buttonUpload") && comes(window, "photoClicker");
+}
+
+bool tst_Keys::toDescription(RootWindow &window)
+{
+    window.dialogs.chooseFile(m_photo);
+    return toUpload(window) && window.click("photoClicker")
+        && QTest::qWaitFor([&] { return window.find("doneButton")->isEnabled(); })
+        && isInFront(window);
+}
+
+bool tst_Keys::toCategory(RootWindow &window)
+{
+    return toDescription(window) && window.type("lineCaption", QStringLiteral("Lake"))
+        && window.click("doneButton") && comes(window, "categoriesTable");
+}
+
+bool tst_Keys::toPrices(RootWindow &window)
+{
+    if (!toCategory(window))
+        return false;
+    auto *table = window.find<QTableView>("categoriesTable");
+    const QModelIndex figures = table->model()->index(0, 1);
+    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(figures).center());
+    return comes(window, "finalizeButton");
+}
+
+bool tst_Keys::toConfirm(RootWindow &window)
+{
+    return toPrices(window) && window.click("finalizeButton")
+        && comes(window, "createAuctionButton");
+}
+
+bool tst_Keys::toUploaded(RootWindow &window)
+{
+    if (!toConfirm(window))
+        return false;
+    window.service.expect("CreateAuction", "17");
+    return window.click("createAuctionButton") && comes(window, "buttonOk");
+}
+
+bool tst_Keys::toMyAuctions(RootWindow &window)
+{
+    if (!toHome(window))
+        return false;
+    window.service.expect("GetMyAuctions",
+                          "header\n17,Lake,1,40,95,0,11/30/2026 12:00,0,12,3,40\n"
+                          "18,Fog,1,40,95,0,11/30/2026 12:00,0,5,0,-1\n");
+    window.service.expectHeld("GetThumbnail", QByteArray());
+    return window.click("buttonMyKavlor") && comes(window, "myAuctionsTable")
+        && QTest::qWaitFor([&] { return window.service.isHolding(); });
+}
+
+bool tst_Keys::toPriceChange(RootWindow &window)
+{
+    if (!toMyAuctions(window))
+        return false;
+    Keyboard::press(Qt::Key_Return);
+    return comes(window, "reservedPrice");
+}
+
+bool tst_Keys::toSettings(RootWindow &window)
+{
+    return toHome(window) && window.click("buttonSettings") && comes(window, "pushButtonMyAccount");
+}
+
+bool tst_Keys::toMyAccount(RootWindow &window)
+{
+    return toSettings(window) && window.click("pushButtonMyAccount")
+        && comes(window, "lineConfirm");
+}
+
+bool tst_Keys::toAlerts(RootWindow &window)
+{
+    return toSettings(window) && window.click("pushButtonNotifications")
+        && comes(window, "checkBoxOnBid");
+}
+
+void tst_Keys::screensBeginWhereAMemberDoes_data()
+{
+    QTest::addColumn<Way>("way");
+    QTest::addColumn<QString>("first");
+    QTest::newRow("welcome") << &tst_Keys::toWelcome << "createAccountButton";
+    QTest::newRow("login") << &tst_Keys::toLogin << "lineUsername";
+    QTest::newRow("create account") << &tst_Keys::toCreateAccount << "lineUsername";
+    QTest::newRow("home") << &tst_Keys::toHome << "buttonUpload";
+    QTest::newRow("upload") << &tst_Keys::toUpload << "photoClicker";
+    QTest::newRow("description") << &tst_Keys::toDescription << "photoClicker";
+    QTest::newRow("category") << &tst_Keys::toCategory << "categoriesTable";
+    QTest::newRow("prices") << &tst_Keys::toPrices << "startPrice";
+    QTest::newRow("confirmation") << &tst_Keys::toConfirm << "auctionOverallInfo";
+    QTest::newRow("uploaded") << &tst_Keys::toUploaded << "buttonOk";
+    QTest::newRow("my auctions") << &tst_Keys::toMyAuctions << "myAuctionsTable";
+    QTest::newRow("price change") << &tst_Keys::toPriceChange << "reservedPrice";
+    QTest::newRow("settings") << &tst_Keys::toSettings << "pushButtonMyAccount";
+    QTest::newRow("my account") << &tst_Keys::toMyAccount << "checkBoxEmail";
+    QTest::newRow("alerts") << &tst_Keys::toAlerts << "checkBoxOnBid";
+}
+
+void tst_Keys::screensBeginWhereAMemberDoes()
+{
+    QFETCH(Way, way);
+    QFETCH(QString, first);
+    RootWindow window;
+    QVERIFY2((this->*way)(window), window.service.report());
+    QTRY_COMPARE(Keyboard::focus(), first);
+}
+
+void tst_Keys::numbersAndNamesCanBeTypedOver()
+{
+    RootWindow window;
+    QVERIFY2(toPrices(window), window.service.report());
+    QTRY_COMPARE(Keyboard::focus(), name("startPrice"));
+    Keyboard::type(QStringLiteral("12"));
+    QCOMPARE(window.find<QSpinBox>("startPrice")->value(), 12);
+}
+
+void tst_Keys::menuBeginsWhereItWasLeft()
+{
+    RootWindow window;
+    QVERIFY2(toAlerts(window), window.service.report());
+    QVERIFY(window.click("backNavigationButton"));
+    QVERIFY(comes(window, "pushButtonMyAccount"));
+    QTRY_COMPARE(Keyboard::focus(), name("pushButtonNotifications"));
+}
+
+void tst_Keys::tabLeadsFromThePhotoToItsCaption()
+{
+    RootWindow window;
+    QVERIFY2(toDescription(window), window.service.report());
+    Keyboard::press(Qt::Key_Tab);
+    QCOMPARE(Keyboard::focus(), name("lineCaption"));
+    Keyboard::type(QStringLiteral("lake"));
+    QCOMPARE(window.text("lineCaption"), QStringLiteral("Lake"));
+}
+
+void tst_Keys::categoriesBeginAtACellThatEnterUses()
+{
+    RootWindow window;
+    QVERIFY2(toCategory(window), window.service.report());
+    Keyboard::press(Qt::Key_Down); // from the first to the second
+    Keyboard::press(Qt::Key_Return);
+    QTRY_COMPARE(window.text("categorySelected"), QStringLiteral("Sports"));
+    Keyboard::press(Qt::Key_Enter); // what is in it
+    QVERIFY(comes(window, "finalizeButton"));
+    QVERIFY(window.click("backNavigationButton"));
+    QVERIFY(comes(window, "categoriesTable"));
+    QTRY_COMPARE(Keyboard::focus(), name("categoriesTable"));
+    Keyboard::press(Qt::Key_Return);
+    QVERIFY(comes(window, "finalizeButton"));
+}
+
+void tst_Keys::enterPressesTheButton_data()
+{
+    QTest::addColumn<Way>("way");
+    QTest::addColumn<QByteArray>("button");
+    QTest::addColumn<QByteArray>("next"); // what comes up then
+
+    const auto row = [](const char *title, Way way, const char *button, const char *next) {
+        QTest::newRow(title) << way << QByteArray(button) << QByteArray(next);
+    };
+    row("welcome", &tst_Keys::toWelcome, "loginButton", "linePassword");
+    row("bar before sign-in", &tst_Keys::toLogin, "cancelNavigationButton", "createAccountButton");
+    row("home", &tst_Keys::toHome, "buttonSettings", "pushButtonMyAccount");
+    row("sign out", &tst_Keys::toHome, "cancelNavigationButton", "createAccountButton");
+    row("bar, back", &tst_Keys::toSettings, "backNavigationButton", "buttonUpload");
+    row("bar, cancel", &tst_Keys::toUpload, "cancelNavigationButton", "buttonUpload");
+    row("categories", &tst_Keys::toCategory, "unselect", "categoriesTable");
+    row("prices", &tst_Keys::toPrices, "finalizeButton", "createAuctionButton");
+    row("uploaded", &tst_Keys::toUploaded, "buttonOk", "checkBoxOnBid");
+    row("settings", &tst_Keys::toSettings, "pushButtonNotifications", "checkBoxOnBid");
+}
+
+void tst_Keys::enterPressesTheButton()
+{
+    QFETCH(Way, way);
+    QFETCH(QByteArray, button);
+    QFETCH(QByteArray, next);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        RootWindow window;
+        QVERIFY2((this->*way)(window), window.service.report());
+        QVERIFY(pressAt(button.constData(), key));
+        QVERIFY2(comes(window, next.constData()), Keyboard::focus().toUtf8().constData());
+    }
+}
+
+void tst_Keys::heldEnterPressesOnce()
+{
+    RootWindow window;
+    QVERIFY2(toPrices(window), window.service.report());
+    QVERIFY(pressAt("finalizeButton", Qt::Key_Return));
+    QVERIFY(comes(window, "createAuctionButton"));
+    QVERIFY(Keyboard::tabTo(name("createAuctionButton")));
+    Keyboard::hold(Qt::Key_Return);
+    QVERIFY(window.find("createAuctionButton")->isEnabled());
+    window.service.expect("CreateAuction", "17");
+    Keyboard::press(Qt::Key_Return);
+    QVERIFY(comes(window, "buttonOk"));
+}
+
+void tst_Keys::enterPressesTheFocusedButtonOfABox()
+{
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        RootWindow window;
+        QVERIFY2(toHome(window), window.service.report());
+        window.dialogs.beforeNextAnswer([key] {
+            QWidget *box = QApplication::activeModalWidget();
+            QVERIFY(box);
+            box->activateWindow();
+            QTRY_VERIFY(box->isAncestorOf(QApplication::focusWidget()));
+            Keyboard::press(Qt::Key_Tab); // from No to Yes
+            Keyboard::press(key);
+        });
+        QVERIFY(MessageBox::ask(window.root(), QStringLiteral("title"), QStringLiteral("Really?")));
+        QVERIFY(isInFront(window));
+        QTRY_COMPARE(Keyboard::focus(), name("buttonUpload"));
+    }
+}
+
+void tst_Keys::refusedLoginGoesOnAtThePassword_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::newRow("refused") << ScriptedService::reply("0");
+    QTest::newRow("broken, with a box")
+        << QByteArray("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n");
+}
+
+void tst_Keys::refusedLoginGoesOnAtThePassword()
+{
+    QFETCH(QByteArray, reply);
+    RootWindow window;
+    QVERIFY2(toLogin(window), window.service.report());
+    ScriptedService::Step step;
+    step.operation = "ValidateLogin";
+    step.bytes = reply;
+    step.then = ScriptedService::Close;
+    window.service.expect(step);
+    Keyboard::type(QStringLiteral("m1"));
+    Keyboard::press(Qt::Key_Tab);
+    Keyboard::type(QStringLiteral("wrong"));
+    QVERIFY(pressAt("loginButton", Qt::Key_Return));
+    QTRY_VERIFY(!window.text("labelError").isEmpty() || !window.dialogs.boxes().isEmpty());
+    QVERIFY(isInFront(window));
+    QTRY_COMPARE(Keyboard::focus(), name("linePassword"));
+    window.service.expect("ValidateLogin", "1");
+    Keyboard::type(QStringLiteral("secret")); // over the wrong one
+    QCOMPARE(window.text("linePassword"), QStringLiteral("secret"));
+    window.service.expect("GetNotificationOptions", "options\n1,0,0,1\n");
+    window.service.expect("GetCategoryList", "categories\n1,Public Figures,0\n");
+    Keyboard::press(Qt::Key_Return);
+    QVERIFY(comes(window, "buttonUpload"));
+    QTRY_COMPARE(Keyboard::focus(), name("buttonUpload"));
+    QTRY_VERIFY2(window.service.isDone(), window.service.report());
+}
+
+void tst_Keys::focusComesBackAfterARefusedPrice()
+{
+    RootWindow window;
+    QVERIFY2(toPriceChange(window), window.service.report());
+    window.service.expect("ModifyAuction", "ERROR");
+    QVERIFY(pressAt("done", Qt::Key_Return));
+    QTRY_COMPARE(window.dialogs.boxes().size(), 1);
+    QVERIFY(isInFront(window));
+    QTRY_COMPARE(Keyboard::focus(), name("done"));
+}
+
+void tst_Keys::focusStaysOnTheSummaryWhileItIsSent()
+{
+    RootWindow window;
+    QVERIFY2(toConfirm(window), window.service.report());
+    window.service.expectHeld("CreateAuction", "17");
+    QVERIFY(pressAt("createAuctionButton", Qt::Key_Return));
+    QTRY_VERIFY(window.service.isHolding());
+    QCOMPARE(Keyboard::focus(), name("auctionOverallInfo"));
+    QVERIFY(window.service.release());
+    QVERIFY(comes(window, "buttonOk"));
+}
+
+void tst_Keys::waitingScreensKeepAFocus()
+{
+    RootWindow window;
+    QVERIFY2(toHome(window), window.service.report());
+    window.service.expectHeld("GetMyAuctions", "header\n");
+    QVERIFY(pressAt("buttonMyKavlor", Qt::Key_Return));
+    QTRY_VERIFY(window.service.isHolding());
+    QTRY_COMPARE(Keyboard::focus(), name("backNavigationButton"));
+    QVERIFY(window.service.release());
+    QTRY_COMPARE(window.text("labelPleaseWait"), QStringLiteral("There is no data to display."));
+    QCOMPARE(Keyboard::focus(), name("backNavigationButton"));
+}
+
+KAVLOR_TEST_MAIN(tst_Keys)
+#include "tst_keys.moc"
