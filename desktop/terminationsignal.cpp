@@ -24,7 +24,7 @@ TerminationSignal::TerminationSignal(QObject *parent)
 {
     connect(&m_notifier, &QSocketNotifier::activated, this, [this] {
         signalfd_siginfo info;
-        if (read(int(m_notifier.socket()), &info, sizeof info) == sizeof info)
+        if (read(static_cast<int>(m_notifier.socket()), &info, sizeof info) == sizeof info)
             emit received();
     });
 }
@@ -32,5 +32,5 @@ TerminationSignal::TerminationSignal(QObject *parent)
 TerminationSignal::~TerminationSignal()
 {
     m_notifier.setEnabled(false);
-    close(int(m_notifier.socket()));
+    close(static_cast<int>(m_notifier.socket()));
 }

@@ -7,9 +7,11 @@
 #include <QDBusMessage>
 #include <QDBusPendingCall>
 #include <QDBusPendingCallWatcher>
-#include <QDebug>
+#include <QLoggingCategory>
 
 namespace {
+
+Q_LOGGING_CATEGORY(connectorLog, "kavlor.connector")
 
 constexpr quint32 connectedState = 2;
 constexpr quint32 limitedDisabledState = 5;
@@ -80,7 +82,7 @@ bool CConnector::isStateKnown() const
 void CConnector::requestConnectionState()
 {
     if (!m_daemon) {
-        qDebug("CConnector::requestConnectionState: no interface");
+        qCDebug(connectorLog, "CConnector::requestConnectionState: no interface");
         return;
     }
     whenAnswered(m_daemon->asyncCall(QStringLiteral("state_req")),
@@ -95,7 +97,7 @@ void CConnector::requestConnectionState()
 void CConnector::selectConnection()
 {
     if (!m_daemon) {
-        qDebug("CConnector::selectConnection: no interface");
+        qCDebug(connectorLog, "CConnector::selectConnection: no interface");
         return;
     }
     openChooser(chooserAttempts);
@@ -113,7 +115,7 @@ void CConnector::openChooser(int attempts)
 void CConnector::connect()
 {
     if (!m_daemon) {
-        qDebug("CConnector::connect: no interface");
+        qCDebug(connectorLog, "CConnector::connect: no interface");
         return;
     }
     m_daemon->asyncCall(QStringLiteral("connect_req"), 1U);
@@ -122,7 +124,7 @@ void CConnector::connect()
 void CConnector::smartConnect()
 {
     if (!m_daemon || isConnected()) {
-        qDebug("CConnector::smartConnect: no interface");
+        qCDebug(connectorLog, "CConnector::smartConnect: no interface");
         return;
     }
     if (CGConfBackend *settings = CGConfBackend::instance()) {
@@ -138,7 +140,7 @@ void CConnector::smartConnect()
 void CConnector::disconnect()
 {
     if (!m_daemon) {
-        qDebug("CConnector::disconnect: no interface");
+        qCDebug(connectorLog, "CConnector::disconnect: no interface");
         return;
     }
     m_daemon->asyncCall(QStringLiteral("disconnect_req"), 1U);

@@ -19,7 +19,8 @@ constexpr int nobody = -1;
 
 QPointF valuesOf(const QAbstractScrollArea *area)
 {
-    return {qreal(area->horizontalScrollBar()->value()), qreal(area->verticalScrollBar()->value())};
+    return {static_cast<qreal>(area->horizontalScrollBar()->value()),
+            static_cast<qreal>(area->verticalScrollBar()->value())};
 }
 
 bool hasMoreThanFits(const QAbstractScrollArea *area)
@@ -137,14 +138,16 @@ void FingerScroll::press(const QPointF &position, const QInputEvent *event)
     m_pressPosition = position;
     m_pressTime = event->timestamp();
     m_scroller->stop();
-    m_scroller->handleInput(QScroller::InputPress, position, qint64(event->timestamp()));
+    m_scroller->handleInput(QScroller::InputPress, position,
+                            static_cast<qint64>(event->timestamp()));
 }
 
 void FingerScroll::move(const QPointF &position, const QInputEvent *event)
 {
     if ((position - m_pressPosition).manhattanLength() > m_slop)
         m_isTap = false;
-    m_scroller->handleInput(QScroller::InputMove, position, qint64(event->timestamp()));
+    m_scroller->handleInput(QScroller::InputMove, position,
+                            static_cast<qint64>(event->timestamp()));
 }
 
 void FingerScroll::release(const QPointF &position, const QInputEvent *event)
@@ -154,7 +157,8 @@ void FingerScroll::release(const QPointF &position, const QInputEvent *event)
     m_pressed = false;
     if ((position - m_pressPosition).manhattanLength() > m_slop)
         m_isTap = false;
-    m_scroller->handleInput(QScroller::InputRelease, position, qint64(event->timestamp()));
+    m_scroller->handleInput(QScroller::InputRelease, position,
+                            static_cast<qint64>(event->timestamp()));
     if (m_isTap)
         tap(event->modifiers());
 }

@@ -6,6 +6,7 @@
 #include <QDeadlineTimer>
 #include <QDebug>
 #include <QElapsedTimer>
+#include <QLoggingCategory>
 #include <QString>
 #include <QThread>
 
@@ -24,6 +25,8 @@ struct GSList
 };
 
 namespace {
+
+Q_LOGGING_CATEGORY(gconfLog, "kavlor.gconf")
 
 enum ValueType { StringValue = 1, IntValue = 2, BoolValue = 4, ListValue = 6 };
 
@@ -198,7 +201,7 @@ void CGConfBackend::open()
 QVariant CGConfBackend::value(const QString &key)
 {
     if (!m_client) {
-        qWarning("Warning: CGConfBackend::value gclient not initialized yet");
+        qCWarning(gconfLog, "Warning: CGConfBackend::value gclient not initialized yet");
         return {};
     }
     const auto reading = std::make_shared<Reading>();
@@ -208,15 +211,16 @@ QVariant CGConfBackend::value(const QString &key)
     if (answered)
         m_patience = timeConstants().gconfWait;
     if (!answered || reading->outcome == Reading::NotFound) {
-        qWarning() << "Warning: CGConfBackend::value unable to find key:" << key;
+        qCWarning(gconfLog) << "Warning: CGConfBackend::value unable to find key:" << key;
         return {};
     }
     if (reading->outcome == Reading::Null) {
-        qWarning() << "Warning: CGConfBackend::value got a NULL value for key:" << key;
+        qCWarning(gconfLog) << "Warning: CGConfBackend::value got a NULL value for key:" << key;
         return {};
     }
     if (!isSupported(reading->type))
-        qWarning("CGConfBackend::value: the type %d is not yet supported.", reading->type);
+        qCWarning(gconfLog, "CGConfBackend::value: the type %d is not yet supported.",
+                  reading->type);
     return reading->value;
 }
 

@@ -103,7 +103,7 @@ void CKavlorMyAuctionsModel::setThumbnail(uint auctionId, const QPixmap &thumbna
 
 void CKavlorMyAuctionsModel::keepThumbnail(uint auctionId, const QPixmap &thumbnail)
 {
-    const qsizetype bytes = qsizetype(thumbnail.width()) * thumbnail.height() * 4;
+    const qsizetype bytes = static_cast<qsizetype>(thumbnail.width()) * thumbnail.height() * 4;
     m_thumbnails.insert(auctionId, new QPixmap(thumbnail), qMax<qsizetype>(bytes, 1));
 }
 

@@ -4,11 +4,14 @@
 #include "settingsstore.h"
 
 #include <QApplication>
+#include <QDebug>
 
 #include <cstdlib>
 
 int main(int argc, char *argv[])
 {
+    // A line is written as it is, without its category; QT_MESSAGE_PATTERN shows that too.
+    qSetMessagePattern(QStringLiteral("%{message}"));
     CConnector connector; // before the application object, after everything on the way out
     const std::unique_ptr<QSettings> settings = openSettingsStore();
     QApplication app(argc, argv);

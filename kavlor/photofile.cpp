@@ -28,7 +28,7 @@ private:
 
 qint64 pixelCount(const QSize &size)
 {
-    return qint64(size.width()) * size.height();
+    return static_cast<qint64>(size.width()) * size.height();
 }
 
 // The size in which a picture of the first size fills the box; never without pixels.

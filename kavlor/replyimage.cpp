@@ -24,7 +24,7 @@ qint64 unpackedBytes(const QImageReader &reader)
         ? 32
         : qMax<int>(32, QImage::toPixelFormat(format).bitsPerPixel());
     const QSize size = reader.size();
-    return qint64(size.width()) * size.height() * depth / 8;
+    return static_cast<qint64>(size.width()) * size.height() * depth / 8;
 }
 
 // What the compressed data takes once it is unpacked, looked at up to the limit and a little more.

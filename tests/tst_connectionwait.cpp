@@ -40,7 +40,7 @@ public:
     }
     int resultCount() const
     {
-        return int(m_results.size());
+        return static_cast<int>(m_results.size());
     }
     QString response() const
     {

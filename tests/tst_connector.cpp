@@ -92,6 +92,7 @@ private slots:
     void daemonMayComeLaterAndGoAndComeBack();
     void withoutADaemonCallsFailSilently();
     void withoutItsInterfacesEachOperationSaysSo();
+    void whatItSaysHasACategoryOfItsOwn();
     void silentDaemonIsNotWaitedFor();
     void worksBeforeTheApplicationObject();
     void withoutAnyBusNothingHappens();
@@ -580,6 +581,20 @@ void tst_Connector::withoutItsInterfacesEachOperationSaysSo()
     m_daemon->reportState(2);
     QTRY_VERIFY(m_connector->isConnected());
     QCOMPARE(m_daemon->members(), QStringList());
+}
+
+void tst_Connector::whatItSaysHasACategoryOfItsOwn()
+{
+    static QByteArrayList categories;
+    make();
+    qDeleteAll(m_connector->findChildren<QDBusAbstractInterface *>());
+    const QtMessageHandler before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext &context, const QString &) {
+            categories.append(context.category);
+        });
+    m_connector->connect();
+    qInstallMessageHandler(before);
+    QCOMPARE(categories, QByteArrayList{"kavlor.connector"});
 }
 
 void tst_Connector::silentDaemonIsNotWaitedFor()

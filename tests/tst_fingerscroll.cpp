@@ -158,7 +158,7 @@ public:
     }
     int openCount()
     {
-        return int(stage.area()->findChildren<CKavlorModifyAuction *>().size());
+        return static_cast<int>(stage.area()->findChildren<CKavlorModifyAuction *>().size());
     }
 
     FrameStage stage;

@@ -561,7 +561,7 @@ void tst_FrameCreateAccount::validationMessages_data()
 
     const auto both = [](const char *row, Field field, const QString &text,
                          const QString &message) {
-        QTest::newRow(row) << int(field) << text << message << message;
+        QTest::newRow(row) << static_cast<int>(field) << text << message << message;
     };
     const auto tooLong = [&both](const char *row, Field field, int limit, const char *name) {
         both(row, field, QString(limit + 1, QLatin1Char('x')),
@@ -590,9 +590,9 @@ void tst_FrameCreateAccount::validationMessages_data()
     tooLong("long twitter name", CKavlorUser::TwitterUsername, 50, "Twitter Username");
     tooLong("long twitter password", CKavlorUser::TwitterPassword, 50, "Twitter Password");
     QTest::newRow("gender in lower case")
-        << int(CKavlorUser::Gender) << "m" << complete << "Gender is invalid";
+        << static_cast<int>(CKavlorUser::Gender) << "m" << complete << "Gender is invalid";
     QTest::newRow("unknown gender")
-        << int(CKavlorUser::Gender) << "X" << complete << "Gender is invalid";
+        << static_cast<int>(CKavlorUser::Gender) << "X" << complete << "Gender is invalid";
 }
 
 void tst_FrameCreateAccount::validationMessages()

@@ -426,7 +426,7 @@ void tst_Icd2Bridge::staysAwayFromARealDaemonAndTakesOverFromIt()
     QCOMPARE(QString::fromUtf8(said),
              QStringLiteral("kavlor-icd2-bridge: %1 has an owner, whose end is waited for\n")
                  .arg(owned));
-    QCOMPARE(int(isOwned(daemonName)) + int(isOwned(uiName)), 1);
+    QCOMPARE(static_cast<int>(isOwned(daemonName)) + static_cast<int>(isOwned(uiName)), 1);
 
     QVERIFY(bus.unregisterService(owned));
     QTRY_VERIFY(isOwned(daemonName));

@@ -244,7 +244,8 @@ void tst_KavlorCategoryModel::onlyAlignmentAndDecorationAreAnswered()
         const QModelIndex index = model.index(0, column);
         for (int role = 0; role <= Qt::UserRole; ++role) {
             if (role == Qt::TextAlignmentRole)
-                QCOMPARE(index.data(role).toInt(), int(Qt::AlignRight | Qt::AlignVCenter));
+                QCOMPARE(index.data(role).toInt(),
+                         static_cast<int>(Qt::AlignRight | Qt::AlignVCenter));
             else
                 QCOMPARE(index.data(role).isValid(), role == Qt::DecorationRole);
         }

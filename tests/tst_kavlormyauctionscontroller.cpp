@@ -465,7 +465,7 @@ void tst_KavlorMyAuctionsController::tenThousandRowsPaintAndAskForFewOnly()
     QSignalSpy asked(model(), &CKavlorMyAuctionsModel::requestThumb);
     m_frame->show();
     QTRY_VERIFY(m_service->isHolding());
-    QCOMPARE(table()->model()->rowCount(), int(auctions));
+    QCOMPARE(table()->model()->rowCount(), static_cast<int>(auctions));
 
     QSet<uint> distinct;
     for (const QVariantList &arguments : std::as_const(asked))
@@ -649,9 +649,9 @@ void tst_KavlorMyAuctionsController::tenVisibleRowsQueueTheirIdsAndFetchThemOneA
     for (const QVariantList &arguments : std::as_const(asked))
         expected.append(QByteArray::number(arguments.constFirst().toUInt()));
     QCOMPARE(thumbnailIds(), expected);
-    QVERIFY(expected.size() > int(rows)); // repaints have repeated some
+    QVERIFY(expected.size() > static_cast<int>(rows)); // repaints have repeated some
     for (uint id = 1; id <= rows; ++id)
-        QCOMPARE(expected.at(int(id) - 1), QByteArray::number(id));
+        QCOMPARE(expected.at(static_cast<int>(id) - 1), QByteArray::number(id));
     for (uint id = 1; id <= rows; ++id)
         QCOMPARE(model()->auction(id).thumbnail.toImage().pixelColor(5, 5), colour(id));
     QVERIFY2(m_service->isDone(), m_service->report());

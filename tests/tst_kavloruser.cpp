@@ -95,18 +95,20 @@ void tst_KavlorUser::lengthLimits_data()
     QTest::addColumn<int>("limit");
     QTest::addColumn<QString>("name");
 
-    QTest::newRow("user name") << int(CKavlorUser::Username) << 100 << "Username";
-    QTest::newRow("password") << int(CKavlorUser::Password) << 100 << "Password";
-    QTest::newRow("first name") << int(CKavlorUser::FirstName) << 50 << "First Name";
-    QTest::newRow("last name") << int(CKavlorUser::LastName) << 50 << "Last Name";
-    QTest::newRow("e-mail") << int(CKavlorUser::EmailAddress) << 80 << "Email Address";
-    QTest::newRow("paypal") << int(CKavlorUser::PaypalAddress) << 80 << "Paypal Address";
-    QTest::newRow("country") << int(CKavlorUser::CountryID) << 2 << "Country ID";
-    QTest::newRow("gender") << int(CKavlorUser::Gender) << 1 << "Gender";
-    QTest::newRow("language") << int(CKavlorUser::Language) << 2 << "Language";
-    QTest::newRow("twitter name") << int(CKavlorUser::TwitterUsername) << 50 << "Twitter Username";
+    QTest::newRow("user name") << static_cast<int>(CKavlorUser::Username) << 100 << "Username";
+    QTest::newRow("password") << static_cast<int>(CKavlorUser::Password) << 100 << "Password";
+    QTest::newRow("first name") << static_cast<int>(CKavlorUser::FirstName) << 50 << "First Name";
+    QTest::newRow("last name") << static_cast<int>(CKavlorUser::LastName) << 50 << "Last Name";
+    QTest::newRow("e-mail") << static_cast<int>(CKavlorUser::EmailAddress) << 80 << "Email Address";
+    QTest::newRow("paypal") << static_cast<int>(CKavlorUser::PaypalAddress) << 80
+                            << "Paypal Address";
+    QTest::newRow("country") << static_cast<int>(CKavlorUser::CountryID) << 2 << "Country ID";
+    QTest::newRow("gender") << static_cast<int>(CKavlorUser::Gender) << 1 << "Gender";
+    QTest::newRow("language") << static_cast<int>(CKavlorUser::Language) << 2 << "Language";
+    QTest::newRow("twitter name") << static_cast<int>(CKavlorUser::TwitterUsername) << 50
+                                  << "Twitter Username";
     QTest::newRow("twitter password")
-        << int(CKavlorUser::TwitterPassword) << 50 << "Twitter Password";
+        << static_cast<int>(CKavlorUser::TwitterPassword) << 50 << "Twitter Password";
 }
 
 void tst_KavlorUser::lengthLimits()

@@ -591,10 +591,10 @@ void tst_MessageBox::askIsTrueForYesAlone_data()
 {
     QTest::addColumn<int>("key");
     QTest::addColumn<bool>("yes");
-    QTest::newRow("yes") << int(Qt::Key_Y) << true;
-    QTest::newRow("no") << int(Qt::Key_N) << false;
-    QTest::newRow("return") << int(Qt::Key_Return) << false;
-    QTest::newRow("escape") << int(Qt::Key_Escape) << false;
+    QTest::newRow("yes") << static_cast<int>(Qt::Key_Y) << true;
+    QTest::newRow("no") << static_cast<int>(Qt::Key_N) << false;
+    QTest::newRow("return") << static_cast<int>(Qt::Key_Return) << false;
+    QTest::newRow("escape") << static_cast<int>(Qt::Key_Escape) << false;
 }
 
 void tst_MessageBox::askIsTrueForYesAlone()

@@ -451,7 +451,7 @@ void tst_ModifyAccountController::validationMessages_data()
     QTest::addColumn<QString>("message");
 
     const auto tooLong = [](const char *row, Field field, int limit, const char *name) {
-        QTest::newRow(row) << int(field) << QString(limit + 1, QLatin1Char('x'))
+        QTest::newRow(row) << static_cast<int>(field) << QString(limit + 1, QLatin1Char('x'))
                            << QStringLiteral("%1 exceeds field length limit(%2)")
                                   .arg(QLatin1String(name))
                                   .arg(limit);
@@ -464,17 +464,19 @@ void tst_ModifyAccountController::validationMessages_data()
     tooLong("long language", CKavlorUser::Language, 2, "Language");
     tooLong("long twitter name", CKavlorUser::TwitterUsername, 50, "Twitter Username");
     tooLong("long twitter password", CKavlorUser::TwitterPassword, 50, "Twitter Password");
-    QTest::newRow("no user name") << int(CKavlorUser::Username) << QString()
+    QTest::newRow("no user name") << static_cast<int>(CKavlorUser::Username) << QString()
                                   << "Username must be defined";
-    QTest::newRow("no password") << int(CKavlorUser::Password) << QString()
+    QTest::newRow("no password") << static_cast<int>(CKavlorUser::Password) << QString()
                                  << "Password must be defined";
-    QTest::newRow("no e-mail") << int(CKavlorUser::EmailAddress) << QString()
+    QTest::newRow("no e-mail") << static_cast<int>(CKavlorUser::EmailAddress) << QString()
                                << "Email Address must be defined";
-    QTest::newRow("e-mail without an at sign") << int(CKavlorUser::EmailAddress) << "m1.example.org"
-                                               << "Email Address is invalid";
-    QTest::newRow("paypal without an at sign") << int(CKavlorUser::PaypalAddress) << "m1"
-                                               << "Paypal Address is invalid";
-    QTest::newRow("gender in lower case") << int(CKavlorUser::Gender) << "m"
+    QTest::newRow("e-mail without an at sign")
+        << static_cast<int>(CKavlorUser::EmailAddress) << "m1.example.org"
+        << "Email Address is invalid";
+    QTest::newRow("paypal without an at sign")
+        << static_cast<int>(CKavlorUser::PaypalAddress) << "m1"
+        << "Paypal Address is invalid";
+    QTest::newRow("gender in lower case") << static_cast<int>(CKavlorUser::Gender) << "m"
                                           << "Gender is invalid";
 }
 

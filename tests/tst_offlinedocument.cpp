@@ -162,7 +162,7 @@ void tst_OfflineDocument::termsAreHtml()
     QVERIFY(terms.show("<p>some <b>bold</b> &amp; <i>slanted</i> words</p>"));
     QCOMPARE(terms.edit->toPlainText().trimmed(), QStringLiteral("some bold & slanted words"));
     const QTextCursor found = terms.edit->document()->find(QStringLiteral("bold"));
-    QCOMPARE(found.charFormat().fontWeight(), int(QFont::Bold));
+    QCOMPARE(found.charFormat().fontWeight(), static_cast<int>(QFont::Bold));
 }
 
 void tst_OfflineDocument::largeOrDeepTermsArePlainText_data()
@@ -175,10 +175,12 @@ void tst_OfflineDocument::largeOrDeepTermsArePlainText_data()
     QTest::newRow("nested 1000 times") << table(1000) << false;
     QTest::newRow("nested 100 deep") << QByteArray("<div>").repeated(100) + "x" << true;
     QTest::newRow("nested 101 deep") << QByteArray("<div>").repeated(101) + "x" << false;
-    QTest::newRow("half a megabyte") << words.repeated(megabyte / 2 / int(words.size())) << true;
+    QTest::newRow("half a megabyte")
+        << words.repeated(megabyte / 2 / static_cast<int>(words.size())) << true;
     QTest::newRow("more than a megabyte")
-        << words.repeated(megabyte / int(words.size()) + 1) << false;
-    QTest::newRow("20 megabytes") << words.repeated(20 * megabyte / int(words.size())) << false;
+        << words.repeated(megabyte / static_cast<int>(words.size()) + 1) << false;
+    QTest::newRow("20 megabytes") << words.repeated(20 * megabyte / static_cast<int>(words.size()))
+                                  << false;
     QTest::newRow("20 megabytes in one line")
         << QByteArray("some words ").repeated(20 * megabyte / 11) << false;
     QTest::newRow("a megabyte in one word") << QByteArray(megabyte, 'x') << false;

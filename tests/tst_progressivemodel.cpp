@@ -209,7 +209,7 @@ void tst_ProgressiveModel::answersOnlyPictureAndAlignment()
 {
     const CProgressiveModel model(nullptr, 3, 1);
     const QModelIndex cell = model.index(0, 0);
-    QCOMPARE(model.data(cell, Qt::TextAlignmentRole).toInt(), int(Qt::AlignCenter));
+    QCOMPARE(model.data(cell, Qt::TextAlignmentRole).toInt(), static_cast<int>(Qt::AlignCenter));
     for (const int role : {Qt::DisplayRole, Qt::ToolTipRole, Qt::SizeHintRole, Qt::FontRole})
         QVERIFY(!model.data(cell, role).isValid());
     QVERIFY(!model.data(QModelIndex(), Qt::DecorationRole).isValid());

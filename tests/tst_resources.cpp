@@ -230,7 +230,7 @@ void tst_Resources::numbersFindRoomInTheStateMarks_data()
     const int height = viewed.height();
     const int quarter = height / 4;
     const int twelfth = height / 12;
-    const int top = int(quarter + 28.3 - twelfth) - 28;
+    const int top = static_cast<int>(quarter + 28.3 - twelfth) - 28;
     QTest::newRow("views") << QStringLiteral(":/viewed.png")
                            << QRect(width / 2 + 1 - width / 10 - 1, top, width / 2, 2 * height / 4);
 

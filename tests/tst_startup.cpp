@@ -1,4 +1,5 @@
 #include "scriptedservice.h"
+#include "standingconf.h"
 #include "testcase.h"
 #include "testmain.h"
 #include "wholesystem.h"
@@ -31,6 +32,7 @@ private:
     QString settingsFile() const;
     void remember(const QString &userName, const QString &password) const;
 
+    StandInGConf m_gconf; // read by the programs that the other starts
     WholeSystem m_system;
 };
 
@@ -136,6 +138,12 @@ void tst_Startup::offlineAWindowClosedDuringTheStartEndsTheProgramAtOnce()
     const auto online = qScopeGuard([this] { QVERIFY(m_system.setNetworkState(2)); });
     QVERIFY2(m_system.client->start(), qPrintable(m_system.client->error()));
     QVERIFY(m_system.client->waitFor(QStringLiteral("progressMessage")));
+    // Asked how to connect, GConf knew nothing. The line is written as it is.
+    const QByteArray line = "Warning: CGConfBackend::value got a NULL value for key: "
+                            "\"/system/osso/connectivity/network_type/auto_connect\"";
+    QTRY_VERIFY(m_system.client->output().contains("auto_connect\"\n"));
+    QVERIFY2(m_system.client->output().split('\n').contains(line),
+             m_system.client->output().constData());
     // It would wait for a connection for longer than this has patience.
     QVERIFY2(m_system.client->close(), qPrintable(m_system.client->error()));
 }

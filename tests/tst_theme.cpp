@@ -68,7 +68,7 @@ QColor sample(const QImage &image, double share)
 {
     const int border = 2;
     const int inside = image.height() - 2 * border;
-    const int row = border + qMin(int(share * inside), inside - 1);
+    const int row = border + qMin(static_cast<int>(share * inside), inside - 1);
     return image.pixelColor(8, row);
 }
 
@@ -515,7 +515,7 @@ void tst_Theme::tableHeaders()
     const QImage image = pictureOf(table.horizontalHeader());
     const QList<QPair<double, int>> stops{{0, 0x61}, {0.5, 0x50}, {0.6, 0x43}, {0.99, 0x65}};
     for (const auto &[share, grey] : stops) {
-        const QColor found = image.pixelColor(3, 1 + int(share * 100));
+        const QColor found = image.pixelColor(3, 1 + static_cast<int>(share * 100));
         QVERIFY2(isNear(found, QColor(grey, grey, grey), 2), name(found).constData());
     }
     QVERIFY(showsColour(image, QColor(0x6c, 0x6c, 0x6c)));

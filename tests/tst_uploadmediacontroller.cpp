@@ -324,7 +324,7 @@ bool makeBmp(const QString &path, const QSize &size)
     put(22, static_cast<quint32>(size.height()));
     put(34, 0); // it is not compressed, and its length is plain
     QFile file(path);
-    const qint64 line = (qint64(size.width()) * 3 + 3) / 4 * 4;
+    const qint64 line = (static_cast<qint64>(size.width()) * 3 + 3) / 4 * 4;
     return file.open(QIODevice::WriteOnly) && file.write(header) == header.size()
         && file.resize(header.size() + line * size.height());
 }

@@ -1,5 +1,7 @@
 #include "driver.h"
 
+#include "../support/widgettext.h"
+
 #include <QAbstractButton>
 #include <QAbstractItemModel>
 #include <QApplication>
@@ -65,23 +67,6 @@ void clickAt(QWidget *widget, const QPoint &where)
 {
     QWidget *window = widget->window();
     QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, widget->mapTo(window, where));
-}
-
-QString textOf(const QWidget *widget)
-{
-    if (const auto *label = qobject_cast<const QLabel *>(widget))
-        return label->text();
-    if (const auto *line = qobject_cast<const QLineEdit *>(widget))
-        return line->text();
-    if (const auto *button = qobject_cast<const QAbstractButton *>(widget))
-        return button->text();
-    if (const auto *plain = qobject_cast<const QPlainTextEdit *>(widget))
-        return plain->toPlainText();
-    if (const auto *rich = qobject_cast<const QTextEdit *>(widget))
-        return rich->toPlainText();
-    if (const auto *spin = qobject_cast<const QAbstractSpinBox *>(widget))
-        return spin->text();
-    return widget->windowTitle();
 }
 
 QJsonObject done(const QJsonValue &value = {})
@@ -219,7 +204,7 @@ QJsonObject Driver::run(const QJsonObject &command)
     if (action == QLatin1String("find"))
         return done();
     if (action == QLatin1String("text"))
-        return done(textOf(widget));
+        return done(widgetText(widget));
     if (action == QLatin1String("rows")) {
         const auto *table = qobject_cast<QTableView *>(widget);
         return table && table->model() ? done(table->model()->rowCount())

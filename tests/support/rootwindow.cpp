@@ -5,6 +5,7 @@
 #include "kavlorcategorystore.h"
 #include "kavlorknownuser.h"
 #include "waituntil.h"
+#include "widgettext.h"
 
 #include <QAbstractButton>
 #include <QLabel>
@@ -160,13 +161,7 @@ bool RootWindow::type(const char *name, const QString &text)
 QString RootWindow::text(const char *name) const
 {
     const QWidget *widget = find(name);
-    if (const auto *label = qobject_cast<const QLabel *>(widget))
-        return label->text();
-    if (const auto *line = qobject_cast<const QLineEdit *>(widget))
-        return line->text();
-    if (const auto *button = qobject_cast<const QAbstractButton *>(widget))
-        return button->text();
-    return {};
+    return widget ? widgetText(widget) : QString();
 }
 
 QImage RootWindow::picture(const char *name) const

@@ -148,7 +148,7 @@ int WebBrowser::count(const QString &selector)
     const QJsonValue found = command("POST", QStringLiteral("/elements"),
                                      {{QStringLiteral("using"), QStringLiteral("css selector")},
                                       {QStringLiteral("value"), selector}});
-    return int(found.toArray().size());
+    return static_cast<int>(found.toArray().size());
 }
 
 QString WebBrowser::text(const QString &selector)
