@@ -3,6 +3,8 @@
 // --service PATH measures another build of it.
 
 #include "localserviceprocess.h"
+#include "plainconnection.h"
+#include "rates.h"
 #include "uploadrequest.h"
 
 #include <QCommandLineParser>
@@ -12,82 +14,26 @@
 #include <QRegularExpression>
 #include <QTextStream>
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
-#include <sys/time.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <csignal>
-#include <functional>
 #include <thread>
 #include <vector>
 
 namespace {
 
 constexpr int auctions = 47;
+constexpr int auctionsOfOthers = 10000;
+constexpr int runs = 9;
+constexpr std::chrono::milliseconds runTime{400};
+constexpr std::chrono::milliseconds drippingTime{50000};
+constexpr std::chrono::milliseconds dripPause{20000};
 const QByteArray login = "Username=m1&Password=secret";
 
 QTextStream out(stdout);
-
-/** A plain connection, since there are many of them on many threads. */
-class Connection
-{
-public:
-    explicit Connection(int port)
-        : m_socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
-    {
-        sockaddr_in address = {};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        address.sin_port = htons(quint16(port));
-        const timeval patience = {30, 0};
-        ::setsockopt(m_socket, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof(patience));
-        ::setsockopt(m_socket, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof(patience));
-        m_isConnected =
-            ::connect(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof(address)) == 0;
-    }
-    ~Connection()
-    {
-        ::close(m_socket);
-    }
-    Connection(const Connection &) = delete;
-    Connection &operator=(const Connection &) = delete;
-
-    /** False once the other side has gone. */
-    bool send(const QByteArray &bytes) const
-    {
-        qsizetype sent = 0;
-        while (m_isConnected && sent < bytes.size()) {
-            const ssize_t some = ::send(m_socket, bytes.constData() + sent,
-                                        size_t(bytes.size() - sent), MSG_NOSIGNAL);
-            if (some <= 0)
-                return false;
-            sent += some;
-        }
-        return m_isConnected;
-    }
-
-    QByteArray reply() const
-    {
-        QByteArray raw;
-        char piece[65536];
-        while (!LocalServiceProcess::isWhole(raw)) {
-            const ssize_t some = ::recv(m_socket, piece, sizeof(piece), 0);
-            if (some <= 0)
-                return {};
-            raw.append(piece, some);
-        }
-        return LocalServiceProcess::parsed(raw).body;
-    }
-
-private:
-    int m_socket;
-    bool m_isConnected = false;
-};
 
 class Bench
 {
@@ -98,9 +44,15 @@ public:
             m_service.setProgram(program);
     }
 
-    bool run();
+    bool run(bool isRatesOnly);
 
 private:
+    struct Measured
+    {
+        const char *name;
+        QByteArray request;
+    };
+
     QByteArray request(const QByteArray &operation, const QByteArray &form) const
     {
         return "POST /tolvex/" + operation + "/ HTTP/1.1\r\nHost: " + m_service.host().toLatin1()
@@ -108,9 +60,9 @@ private:
               "Content-Length: "
             + QByteArray::number(form.size()) + "\r\n\r\n" + form;
     }
-    double rate(const QByteArray &operation, const QByteArray &form) const;
     double slowestAnswer(int count) const;
     qint64 peakMemory() const;
+    void addAuctionsOfOthers();
     void measureRates();
     void measureBusyPictures();
     void measureIdleClients();
@@ -121,32 +73,6 @@ private:
     LocalServiceProcess m_service;
 };
 
-// Requests a second from four clients, each request on a connection of its own.
-double Bench::rate(const QByteArray &operation, const QByteArray &form) const
-{
-    const QByteArray bytes = request(operation, form);
-    std::atomic<int> done{0};
-    std::atomic<bool> isOver{false};
-    std::vector<std::thread> clients;
-    QElapsedTimer timer;
-    timer.start();
-    clients.reserve(4);
-    for (int i = 0; i < 4; ++i) {
-        clients.emplace_back([&] {
-            while (!isOver) {
-                const Connection connection(m_service.port());
-                if (connection.send(bytes) && !connection.reply().isEmpty())
-                    ++done;
-            }
-        });
-    }
-    std::this_thread::sleep_for(std::chrono::seconds(3));
-    isOver = true;
-    for (std::thread &client : clients)
-        client.join();
-    return done * 1000.0 / double(timer.elapsed());
-}
-
 // In milliseconds; a request without an answer counts as its patience of 30 s.
 double Bench::slowestAnswer(int count) const
 {
@@ -154,9 +80,9 @@ double Bench::slowestAnswer(int count) const
     for (int i = 0; i < count; ++i) {
         QElapsedTimer timer;
         timer.start();
-        const Connection connection(m_service.port());
+        const PlainConnection connection(m_service.port());
         const bool isRight =
-            connection.send(request("ValidateLogin", login)) && connection.reply() == "1";
+            connection.send(request("ValidateLogin", login)) && connection.reply().body == "1";
         slowest = std::max(slowest, isRight ? double(timer.nsecsElapsed()) / 1e6 : 30000.0);
     }
     return slowest;
@@ -171,16 +97,49 @@ qint64 Bench::peakMemory() const
     return peak.match(QString::fromLatin1(status.readAll())).captured(1).toLongLong() / 1024;
 }
 
+// What the member's own 47 stand among.
+void Bench::addAuctionsOfOthers()
+{
+    m_service.post("CreateAccount",
+                   "Password2=secret&Username=m2&Password1=secret&EmailAddress=m2@example.org");
+    m_service.execute(
+        QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n LIMIT ?)"
+                       " INSERT INTO auctions (member, category, title, description, captured,"
+                       " media, start_price, reserve_price, buy_price, created, ends)"
+                       " SELECT 2, 400, 'Photo ' || i, 'Taken from the stand.', '', i || '.jpg', 5,"
+                       " 0, 0, created, ends + i FROM n, auctions WHERE id = 1"),
+        {auctionsOfOthers});
+}
+
+// Each with its peer in turn, since what else the machine does changes from second to second.
 void Bench::measureRates()
 {
-    const double terms = rate("GetServiceTerms", "SUBMIT=Submit");
-    out << "GetServiceTerms        " << terms << " a second, the peer\n";
-    for (const char *operation : {"GetThumbnail", "GetMyAuctions", "ValidateLogin"}) {
-        const double own = rate(operation, login + "&AuctionID=1");
-        out << qSetFieldWidth(23) << Qt::left << operation << qSetFieldWidth(0) << own
-            << " a second, " << own / terms << " of the peer's\n";
+    const QList<Measured> all{
+        {"GetMyAuctions", request("GetMyAuctions", login)},
+        {"GetThumbnail", request("GetThumbnail", login + "&AuctionID=1")},
+        {"ValidateLogin", request("ValidateLogin", login)},
+        {"the front page",
+         "GET / HTTP/1.1\r\nHost: " + m_service.host().toLatin1()
+             + "\r\nConnection: close\r\n\r\n"},
+    };
+    const QByteArray peer = request("GetServiceTerms", "SUBMIT=Submit");
+    for (const int clients : {1, 8, 64}) {
+        Runs peers;
+        QList<Runs> ratios(all.size());
+        for (int run = 0; run < runs; ++run) {
+            for (int i = 0; i < all.size(); ++i) {
+                const double terms = answersASecond(m_service.port(), peer, clients, runTime);
+                peers.add(terms);
+                ratios[i].add(answersASecond(m_service.port(), all.at(i).request, clients, runTime)
+                              / terms);
+            }
+        }
+        out << clients << " at a time: GetServiceTerms, the peer, " << peers.text()
+            << " a second\n";
+        for (int i = 0; i < all.size(); ++i)
+            out << "    " << all.at(i).name << ": " << ratios.at(i).text() << " of the peer's\n";
+        out.flush();
     }
-    out.flush();
 }
 
 void Bench::measureBusyPictures()
@@ -193,7 +152,7 @@ void Bench::measureBusyPictures()
             const QByteArray bytes = request(
                 "GetThumbnail", login + "&AuctionID=" + QByteArray::number(i % auctions + 1));
             while (!isOver) {
-                const Connection connection(m_service.port());
+                const PlainConnection connection(m_service.port());
                 connection.send(bytes);
                 connection.reply();
             }
@@ -208,16 +167,31 @@ void Bench::measureBusyPictures()
     out.flush();
 }
 
+// For 50 seconds, in which each of those that drip says three bytes of a request.
 void Bench::measureIdleClients()
 {
-    std::vector<std::unique_ptr<Connection>> connections;
-    for (int i = 0; i < 1050; ++i) {
-        connections.push_back(std::make_unique<Connection>(m_service.port()));
-        if (i >= 1000)
-            connections.back()->send("POST /tolvex/");
+    std::vector<std::unique_ptr<PlainConnection>> idle;
+    std::vector<std::unique_ptr<PlainConnection>> dripping;
+    while (idle.size() < 1000)
+        idle.push_back(std::make_unique<PlainConnection>(m_service.port()));
+    while (dripping.size() < 50)
+        dripping.push_back(std::make_unique<PlainConnection>(m_service.port()));
+    double slowest = 0;
+    int asked = 0;
+    QElapsedTimer timer;
+    timer.start();
+    qsizetype said = 0;
+    for (; timer.elapsed() < drippingTime.count(); ++asked) {
+        if (timer.elapsed() >= said * dripPause.count()) {
+            for (const auto &connection : dripping)
+                connection->send(QByteArray("POST /tolvex/").mid(said, 1));
+            ++said;
+        }
+        slowest = std::max(slowest, slowestAnswer(1));
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
     }
-    out << "1,000 idle and 50 dripping clients: the slowest of 5 other requests "
-        << slowestAnswer(5) << " ms\n";
+    out << "1,000 idle clients and 50 that drip a byte every 20 s: the slowest of " << asked
+        << " other requests " << slowest << " ms\n";
     out.flush();
 }
 
@@ -233,8 +207,8 @@ void Bench::measureUploads()
     clients.reserve(64);
     for (int i = 0; i < 64; ++i) {
         clients.emplace_back([&] {
-            const Connection connection(m_service.port());
-            if (connection.send(bytes) && connection.reply().toInt() > 0)
+            const PlainConnection connection(m_service.port());
+            if (connection.send(bytes) && connection.reply().body.toInt() > 0)
                 ++answered;
         });
     }
@@ -248,10 +222,10 @@ void Bench::measureUploads()
 void Bench::measureMemory()
 {
     // Lines without end, headers without end, and forms that stop just before their end.
-    std::vector<std::unique_ptr<Connection>> connections;
+    std::vector<std::unique_ptr<PlainConnection>> connections;
     for (int i = 0; i < 300; ++i) {
-        connections.push_back(std::make_unique<Connection>(m_service.port()));
-        const Connection &connection = *connections.back();
+        connections.push_back(std::make_unique<PlainConnection>(m_service.port()));
+        const PlainConnection &connection = *connections.back();
         const QByteArray kind = i % 3 == 0 ? "GET /" : "GET / HTTP/1.1\r\nHost: x\r\nX: ";
         if (i % 3 == 2) {
             connection.send(request("ValidateLogin", QByteArray(1000000, 'f')).chopped(1));
@@ -267,10 +241,10 @@ void Bench::measureMemory()
 
 void Bench::measureEnd()
 {
-    std::vector<std::unique_ptr<Connection>> connections;
+    std::vector<std::unique_ptr<PlainConnection>> connections;
     connections.reserve(1000);
     for (int i = 0; i < 1000; ++i)
-        connections.push_back(std::make_unique<Connection>(m_service.port()));
+        connections.push_back(std::make_unique<PlainConnection>(m_service.port()));
     QElapsedTimer timer;
     timer.start();
     const int code = m_service.terminate();
@@ -279,7 +253,7 @@ void Bench::measureEnd()
     out.flush();
 }
 
-bool Bench::run()
+bool Bench::run(bool isRatesOnly)
 {
     if (!m_service.start())
         return false;
@@ -291,7 +265,10 @@ bool Bench::run()
     upload.media = UploadRequest::encoded(picture, "JPEG");
     for (int i = 0; i < auctions; ++i)
         m_service.send(upload.bytes(m_service.host()));
+    addAuctionsOfOthers();
     measureRates();
+    if (isRatesOnly)
+        return true;
     measureBusyPictures();
     measureUploads();
     measureIdleClients();
@@ -310,11 +287,13 @@ int main(int argc, char *argv[])
     const QCommandLineOption service(QStringLiteral("service"),
                                      QStringLiteral("Measure the service at PATH."),
                                      QStringLiteral("PATH"));
-    parser.addOption(service);
+    const QCommandLineOption rates(QStringLiteral("rates"),
+                                   QStringLiteral("Measure only how often it answers."));
+    parser.addOptions({service, rates});
     parser.process(app);
     rlimit files = {};
     getrlimit(RLIMIT_NOFILE, &files);
     files.rlim_cur = files.rlim_max;
     setrlimit(RLIMIT_NOFILE, &files);
-    return Bench(parser.value(service)).run() ? 0 : 1;
+    return Bench(parser.value(service)).run(parser.isSet(rates)) ? 0 : 1;
 }

@@ -116,6 +116,14 @@ Result<Auctions::Auction> readAuction(Database::Session &session, qint64 id)
     return found.isOk() ? Result<Auctions::Auction>(found.value().value(0)) : found.failure();
 }
 
+Result<bool> isAnyDue(Database::Session &session)
+{
+    const Result<Database::Rows> due = session.select(
+        QStringLiteral("SELECT 1 FROM auctions WHERE state = 'running' AND ends <= ? LIMIT 1"),
+        {LocalClock::now()});
+    return due.isOk() ? Result<bool>(!due.value().isEmpty()) : due.failure();
+}
+
 // Mails the seller, if his options (a column of the members' table) ask for it. A failure is kept
 // by the session.
 void alertSeller(Database::Session &session, const Auctions::Auction &auction, const char *option,
@@ -263,9 +271,15 @@ Result<void> Auctions::changePrices(qint64 member, qint64 id, qint64 reservePric
 Result<QList<Auctions::Auction>> Auctions::select(const QString &condition,
                                                   const QVariantList &values)
 {
-    const Result<void> ended = endDue();
-    if (!ended.isOk())
-        return ended.failure();
+    {
+        Database::Session session(m_database);
+        const Result<bool> due = isAnyDue(session);
+        if (!due.isOk())
+            return due.failure();
+        if (!due.value())
+            return readAuctions(session, condition, values);
+    }
+    (void)recordEnds();
     Database::Session session(m_database);
     return readAuctions(session, condition, values);
 }
@@ -436,14 +450,14 @@ Result<void> Auctions::ask(qint64 id, const Buyer &buyer, const QString &questio
 
 Result<void> Auctions::endDue()
 {
-    const Result<Database::Rows> due =
-        Database::Session(m_database)
-            .select(QStringLiteral(
-                        "SELECT 1 FROM auctions WHERE state = 'running' AND ends <= ? LIMIT 1"),
-                    {LocalClock::now()});
+    Result<bool> due = false;
+    {
+        Database::Session session(m_database);
+        due = isAnyDue(session);
+    }
     if (!due.isOk())
         return due.failure();
-    if (!due.value().isEmpty())
+    if (due.value())
         (void)recordEnds();
     return {};
 }

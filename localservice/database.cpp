@@ -292,7 +292,7 @@ Database::Session::~Session()
 {
     // After some failures there is nothing left to be rolled back, which is no news.
     if (m_isOpen)
-        QSqlQuery(m_connection->database()).exec(QStringLiteral("ROLLBACK"));
+        m_connection->prepared(QStringLiteral("ROLLBACK")).exec();
 }
 
 Result<void> Database::Session::begin(bool isAlone)

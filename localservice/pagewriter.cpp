@@ -156,16 +156,26 @@ QString cards(const QList<Auctions::Auction> &auctions)
     return all + QStringLiteral("</div>\n");
 }
 
-QString searchForm(const Auctions::Search &search)
+// All of them, written once, since they never change.
+QString categoryOptions()
 {
     QString options = QStringLiteral("<option value=\"0\">All categories</option>\n");
     for (const qint64 top : topCategories()) {
         for (const qint64 id : categoryWithAllBelow(top)) {
-            options += QStringLiteral("<option value=\"%1\"%2>%3</option>\n")
-                           .arg(QString::number(id),
-                                id == search.category ? QStringLiteral(" selected") : QString(),
-                                categoryPath(id).toHtmlEscaped());
+            options += QStringLiteral("<option value=\"%1\">%2</option>\n")
+                           .arg(QString::number(id), categoryPath(id).toHtmlEscaped());
         }
+    }
+    return options;
+}
+
+QString searchForm(const Auctions::Search &search)
+{
+    static const QString all = categoryOptions();
+    QString options = all;
+    if (search.category != 0) {
+        const QString value = QStringLiteral(" value=\"%1\"").arg(search.category);
+        options.replace(value, value + QStringLiteral(" selected"));
     }
     return QStringLiteral("<form class=\"search\" method=\"get\" action=\"/\" role=\"search\">\n"
                           "<label for=\"words\">Words</label>\n"

@@ -50,6 +50,7 @@ private slots:
     void itemsFitIntoALine();
     void momentsAreShownInTheZoneOfThisMachine_data();
     void momentsAreShownInTheZoneOfThisMachine();
+    void theCategoryLookedForIsShown();
     void pagesEscapeWhatTheyAreGiven();
 
     void sessionsAreWholeOrNothing();
@@ -363,6 +364,19 @@ void tst_LocalServiceParts::momentsAreShownInTheZoneOfThisMachine()
     const QByteArray shown = LocalClock().text(moment, "%m/%d/%Y %H:%M");
     qputenv("TZ", before);
     QCOMPARE(shown, text);
+}
+
+void tst_LocalServiceParts::theCategoryLookedForIsShown()
+{
+    Auctions::Search search;
+    for (const qint64 category : {0, 4, 40, 400}) {
+        search.category = category;
+        const QByteArray page = PageWriter("0123").auctions({}, search, {});
+        const QByteArray option =
+            "<option value=\"" + QByteArray::number(category) + "\" selected>";
+        QCOMPARE(page.count(" selected"), category == 0 ? 0 : 1);
+        QCOMPARE(page.contains(option), category != 0);
+    }
 }
 
 void tst_LocalServiceParts::pagesEscapeWhatTheyAreGiven()
