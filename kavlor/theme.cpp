@@ -28,3 +28,8 @@ QString messageBoxStyleSheet()
 {
     return themeStyleSheet() + styleSheet(QStringLiteral("messagebox.qss"));
 }
+
+QString fileDialogStyleSheet()
+{
+    return themeStyleSheet() + styleSheet(QStringLiteral("filedialog.qss"));
+}

@@ -18,3 +18,6 @@ QString themeStyleSheet();
 
 /** For a message box, which may or may not have a frame with a style sheet of its own above it. */
 QString messageBoxStyleSheet();
+
+/** For the dialog that chooses a file. */
+QString fileDialogStyleSheet();

@@ -8,6 +8,7 @@
 #include "kavlorauctioncreate.h"
 #include "kavloruser.h"
 #include "leaveframe.h"
+#include "mediadialog.h"
 #include "messagebox.h"
 #include "progressivemodel.h"
 #include "promptedfield.h"
@@ -17,7 +18,6 @@
 #include "ui_uploadmediacontroller.h"
 #include "uploadmediaconfirmation.h"
 
-#include <QFileDialog>
 #include <QFileInfo>
 #include <QStandardPaths>
 
@@ -163,7 +163,7 @@ void CUploadMediaController::chooseMediaClick()
     m_ui->photoClicker->setText(m_chooserText);
 
     const QPointer<CUploadMediaController> guard(this);
-    QString fileName = QFileDialog::getOpenFileName(
+    QString fileName = MediaDialog::choose(
         parentWidget(), tr("Choose Your Image Or Video"), startFolder(),
         tr("Images (*.png *.jpg *.bmp *.gif *.jpeg *.pbm *.pgm *.ppm *.tiff *.xbm *.xpm);; "
            "Video (*.mp4 *.3gp)"));
