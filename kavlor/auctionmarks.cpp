@@ -1,6 +1,7 @@
 #include "auctionmarks.h"
 
 #include "auctionrow.h"
+#include "drawings.h"
 #include "liststyle.h"
 
 #include <QImage>
@@ -11,14 +12,39 @@ namespace {
 constexpr int marksTop = 28;
 constexpr int smallestNumber = 9; // points
 
-// As QImage and not QPixmap: they outlive the application object.
+// A mark in both of its drawings. As QImage and not QPixmap: they outlive the application object.
+struct Mark
+{
+    explicit Mark(const QString &path)
+        : plain(path)
+        , large(largeDrawing(path))
+    {
+    }
+
+    Mark rgbSwapped() const
+    {
+        Mark swapped = *this;
+        swapped.plain = plain.rgbSwapped();
+        swapped.large = large.rgbSwapped();
+        return swapped;
+    }
+    void paint(QPainter *painter, int x, int y) const
+    {
+        const bool isEnlarged = painter->device()->devicePixelRatioF() > 1;
+        painter->drawImage(QRect(QPoint(x, y), plain.size()), isEnlarged ? large : plain);
+    }
+
+    QImage plain;
+    QImage large;
+};
+
 struct Pictures
 {
-    const QImage viewed{QStringLiteral(":/viewed.png")};
-    const QImage bidding{QStringLiteral(":/biddingOn.png")};
-    const QImage reserveMet{QStringLiteral(":/reserveMet.png")};
-    const QImage sold{QStringLiteral(":/sold.png")};
-    const QImage soldSwapped = sold.rgbSwapped();
+    const Mark viewed{QStringLiteral(":/viewed.png")};
+    const Mark bidding{QStringLiteral(":/biddingOn.png")};
+    const Mark reserveMet{QStringLiteral(":/reserveMet.png")};
+    const Mark sold{QStringLiteral(":/sold.png")};
+    const Mark soldSwapped = sold.rgbSwapped();
 };
 
 const Pictures &pictures()
@@ -44,7 +70,7 @@ bool fitFont(QPainter *painter, const QString &text, int width)
 void paintNumber(QPainter *painter, int number, int x, int width)
 {
     // Both numbers stand at the height of the first mark's free space.
-    const int markHeight = pictures().viewed.height();
+    const int markHeight = pictures().viewed.plain.height();
     const int quarter = markHeight / 4;
     const int twelfth = markHeight / 12;
     const int y = static_cast<int>(quarter + 28.3 - twelfth);
@@ -62,18 +88,18 @@ void paintNumber(QPainter *painter, int number, int x, int width)
 void paintAuctionMarks(QPainter *painter, const CAuctionRow &auction)
 {
     const Pictures &all = pictures();
-    const int viewedWidth = all.viewed.width();
-    const int biddingWidth = all.bidding.width();
-    const int reserveWidth = all.reserveMet.width();
+    const int viewedWidth = all.viewed.plain.width();
+    const int biddingWidth = all.bidding.plain.width();
+    const int reserveWidth = all.reserveMet.plain.width();
 
     painter->setPen(listStyle().numberColor);
-    painter->drawImage(1, marksTop, all.viewed);
+    all.viewed.paint(painter, 1, marksTop);
     paintNumber(painter, auction.views, viewedWidth / 2 + 1 - viewedWidth / 10, viewedWidth / 2);
-    painter->drawImage(viewedWidth + 2, marksTop, all.bidding);
+    all.bidding.paint(painter, viewedWidth + 2, marksTop);
     paintNumber(painter, auction.bids, viewedWidth + 1 + biddingWidth / 3, biddingWidth / 2);
 
     if (auction.item10 == auction.reservePrice)
-        painter->drawImage(viewedWidth + 3 + biddingWidth, marksTop, all.reserveMet);
-    painter->drawImage(viewedWidth + 4 + biddingWidth + reserveWidth, marksTop,
-                       auction.finished ? all.soldSwapped : all.sold);
+        all.reserveMet.paint(painter, viewedWidth + 3 + biddingWidth, marksTop);
+    const Mark &sale = auction.finished ? all.soldSwapped : all.sold;
+    sale.paint(painter, viewedWidth + 4 + biddingWidth + reserveWidth, marksTop);
 }

@@ -51,11 +51,13 @@ void paintTitle(QPainter *painter, const QString &title)
 
 } // namespace
 
-QPixmap paintAuctionStrip(const CAuctionRow &auction)
+QPixmap paintAuctionStrip(const CAuctionRow &auction, qreal pixelRatio)
 {
-    QPixmap strip(auctionStripSize);
+    QPixmap strip(auctionStripSize * pixelRatio);
+    strip.setDevicePixelRatio(pixelRatio);
     strip.fill(Qt::transparent);
     QPainter painter(&strip);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, pixelRatio != 1);
     paintAuctionMarks(&painter, auction);
     // Over the marks, into which the tails of its letters may reach.
     paintTitle(&painter, shownTitle(auction.title));

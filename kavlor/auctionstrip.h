@@ -10,6 +10,7 @@ constexpr QSize auctionStripSize(680, 90);
 
 /**
  * Paints what the list tells of one auction on a transparent ground: its title over the marks that
- * paintAuctionMarks() paints.
+ * paintAuctionMarks() paints. @p pixelRatio is how many pixels of the screen take the place of one
+ * of the strip's.
  */
-QPixmap paintAuctionStrip(const CAuctionRow &auction);
+QPixmap paintAuctionStrip(const CAuctionRow &auction, qreal pixelRatio = 1);

@@ -1,6 +1,5 @@
 #include "framecreateaccount.h"
 
-#include "contentcolumn.h"
 #include "fingerscroll.h"
 #include "httptolvex.h"
 #include "kavloruser.h"
@@ -8,6 +7,7 @@
 #include "messagebox.h"
 #include "offlinedocument.h"
 #include "plaintooltip.h"
+#include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
 #include "timeconstants.h"
@@ -30,6 +30,20 @@ QString withReadableSize(QString html)
     return html.replace(printSize, QStringLiteral("'font-size:22.0pt'"));
 }
 
+QString withSizesTimes(qreal scale, const QString &html)
+{
+    static const QRegularExpression size(QStringLiteral("font-size\\s*:\\s*[0-9.]+p[tx]"));
+    QString sized;
+    qsizetype done = 0;
+    for (auto each = size.globalMatch(html); each.hasNext();) {
+        const QRegularExpressionMatch found = each.next();
+        sized += QStringView(html).mid(done, found.capturedStart() - done);
+        sized += RoomScale::styleSheet(found.captured(), scale);
+        done = found.capturedEnd();
+    }
+    return sized + html.mid(done);
+}
+
 } // namespace
 
 FrameCreateAccount::FrameCreateAccount(QSettings *settings, CKavlorUser *user, QWidget *parent)
@@ -40,7 +54,7 @@ FrameCreateAccount::FrameCreateAccount(QSettings *settings, CKavlorUser *user, Q
     , m_settings(settings)
 {
     m_ui->setupUi(this);
-    new ContentColumn(this, QSize(1040, 560));
+    auto *scale = new RoomScale(this, QSize(1040, 640));
     new StartFocus(this, m_ui->lineUsername);
     setUpTerms();
     m_ui->termsEdit->setFont(QFont(QStringLiteral("LargeSystemFont"), termsPointSize));
@@ -61,8 +75,10 @@ FrameCreateAccount::FrameCreateAccount(QSettings *settings, CKavlorUser *user, Q
         m_termsText = root->termsText();
     if (m_termsText.isEmpty())
         fetchTerms();
-    else
-        showTerms();
+    scale->apply([this](qreal) {
+        if (!m_termsText.isEmpty())
+            showTerms(); // in which sizes are set that no style sheet reaches
+    });
 }
 
 FrameCreateAccount::~FrameCreateAccount() = default;
@@ -86,7 +102,8 @@ void FrameCreateAccount::showTerms()
 {
     m_ui->termsEdit->clear();
     if (OfflineDocument::isModest(m_termsText))
-        m_ui->termsEdit->appendHtml(withReadableSize(m_termsText));
+        m_ui->termsEdit->appendHtml(
+            withSizesTimes(RoomScale::of(this), withReadableSize(m_termsText)));
     else
         m_ui->termsEdit->setPlainText(OfflineDocument::withShortLines(m_termsText));
     QTextCursor cursor = m_ui->termsEdit->textCursor();

@@ -1,9 +1,9 @@
 #include "framewelcomekavlor.h"
 
-#include "contentcolumn.h"
 #include "framecreateaccount.h"
 #include "kavlorlogin.h"
 #include "leaveframe.h"
+#include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
 #include "ui_framewelcomekavlor.h"
@@ -14,7 +14,7 @@ FrameWelcomeKavlor::FrameWelcomeKavlor(QSettings *settings, QWidget *parent)
     , m_settings(settings)
 {
     m_ui->setupUi(this);
-    new ContentColumn(this, QSize(960, 480));
+    new RoomScale(this, QSize(960, 480));
     new StartFocus(this, m_ui->createAccountButton);
     connect(m_ui->createAccountButton, &QPushButton::clicked, this,
             &FrameWelcomeKavlor::showCreateAccountFrame);

@@ -5,6 +5,7 @@
 #include "kavlorcategorystore.h"
 #include "paintedcelldelegate.h"
 #include "paintedtableaccess.h"
+#include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
 #include "timeconstants.h"
@@ -64,6 +65,13 @@ void CKavlorAuctionCategorize::setUpTable()
     for (int column = 0; column < CKavlorCategoryModel::columns; ++column)
         sizes.append(CKavlorCategoryModel::cellSize(column));
     auto *delegate = new PaintedCellDelegate(sizes, this);
+    auto *scale = new RoomScale(this);
+    scale->apply([this, delegate](qreal factor) {
+        delegate->setScale(factor);
+        m_model->setPixelRatio(factor * devicePixelRatioF());
+        m_ui->categoriesTable->resizeColumnsToContents();
+        m_ui->categoriesTable->resizeRowsToContents();
+    });
     delegate->setCellText([this](const QModelIndex &index) { return m_model->cellText(index); });
     showPaintedCells(m_ui->categoriesTable, delegate);
     m_ui->categoriesTable->viewport()->setAutoFillBackground(false);

@@ -4,6 +4,7 @@
 #include "fingerscroll.h"
 #include "kavlorcategorystore.h"
 #include "offlinedocument.h"
+#include "roomscale.h"
 #include "startfocus.h"
 #include "ui_kavlorauctionconfirm.h"
 
@@ -24,6 +25,7 @@ CKavlorAuctionConfirm::CKavlorAuctionConfirm(const CAuctionRecord *record, QWidg
     , m_ui(std::make_unique<Ui::CKavlorAuctionConfirm>())
 {
     m_ui->setupUi(this);
+    new RoomScale(this);
     new StartFocus(this, m_ui->auctionOverallInfo);
     // A photo may be named like markup, which must not load anything either.
     auto *document = new OfflineDocument(m_ui->auctionOverallInfo);

@@ -2,6 +2,7 @@
 
 #include "leaveframe.h"
 #include "messagebox.h"
+#include "roomscale.h"
 #include "startfocus.h"
 #include "ui_kavlorauctioncreate.h"
 
@@ -10,6 +11,10 @@ CKavlorAuctionCreate::CKavlorAuctionCreate(int reserve, int buyItNow, int start,
     , m_ui(std::make_unique<Ui::CKavlorAuctionCreate>())
 {
     m_ui->setupUi(this);
+    auto *scale = new RoomScale(this);
+    // The prices share a page that is higher than the handheld's.
+    scale->apply(
+        [this](qreal factor) { m_ui->whole->setStretchFactor(m_ui->prices, factor > 1 ? 2 : 0); });
     new StartFocus(this, m_ui->startPrice);
     m_ui->reservePrice->setValue(reserve);
     m_ui->buyItNowPrice->setValue(buyItNow);

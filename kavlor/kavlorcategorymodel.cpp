@@ -1,5 +1,6 @@
 #include "kavlorcategorymodel.h"
 
+#include "drawings.h"
 #include "kavlorcategorystore.h"
 #include "liststyle.h"
 
@@ -50,28 +51,30 @@ QString childrenLine(int identifier)
     return names.join(QLatin1String(", ")).toLower();
 }
 
-QPixmap chosenBackground(int column)
+QPixmap chosenBackground(int column, qreal pixelRatio)
 {
     const QString key = QStringLiteral("::BGchosen%1").arg(column);
     QPixmap background;
-    if (QPixmapCache::find(key, &background))
+    if (QPixmapCache::find(key, &background) && background.devicePixelRatio() == pixelRatio)
         return background;
 
     background = QPixmap(QStringLiteral(":/mainCellBG.png"))
-                     .scaled(CKavlorCategoryModel::cellSize(column), Qt::IgnoreAspectRatio,
-                             Qt::FastTransformation);
+                     .scaled(CKavlorCategoryModel::cellSize(column) * pixelRatio,
+                             Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    background.setDevicePixelRatio(pixelRatio);
     QPixmapCache::insert(key, background);
     return background;
 }
 
-QPixmap plainBackground(int column)
+QPixmap plainBackground(int column, qreal pixelRatio)
 {
     const QString key = QStringLiteral("::BG%1").arg(column);
     QPixmap background;
-    if (QPixmapCache::find(key, &background))
+    if (QPixmapCache::find(key, &background) && background.devicePixelRatio() == pixelRatio)
         return background;
 
-    background = QPixmap(CKavlorCategoryModel::cellSize(column));
+    background = QPixmap(CKavlorCategoryModel::cellSize(column) * pixelRatio);
+    background.setDevicePixelRatio(pixelRatio);
     background.fill(Qt::transparent);
     QPixmapCache::insert(key, background);
     return background;
@@ -105,7 +108,9 @@ void paintCategory(QPainter *painter, int identifier, bool topLevel, bool chosen
     int left = 0;
     const QString icon = iconPath(identifier);
     if (!icon.isEmpty()) {
-        painter->drawPixmap(QRect(0, 0, separatorTop, separatorTop), QPixmap(icon));
+        const bool isEnlarged = painter->device()->devicePixelRatioF() > 1;
+        painter->drawImage(QRect(0, 0, separatorTop, separatorTop),
+                           QImage(isEnlarged ? largeDrawing(icon) : icon));
         left = separatorTop;
     }
 
@@ -126,6 +131,11 @@ void paintCategory(QPainter *painter, int identifier, bool topLevel, bool chosen
 CKavlorCategoryModel::CKavlorCategoryModel(QObject *parent)
     : QAbstractTableModel(parent)
 {
+}
+
+void CKavlorCategoryModel::setPixelRatio(qreal pixelRatio)
+{
+    m_pixelRatio = pixelRatio;
 }
 
 QSize CKavlorCategoryModel::cellSize(int column)
@@ -229,7 +239,7 @@ QPixmap CKavlorCategoryModel::cell(int identifier, int column) const
                             .arg(column)
                             .arg(identifier == m_chosen ? 1 : 0);
     QPixmap pixmap;
-    if (QPixmapCache::find(key, &pixmap))
+    if (QPixmapCache::find(key, &pixmap) && pixmap.devicePixelRatio() == m_pixelRatio)
         return pixmap;
 
     pixmap = paintCell(identifier, column);
@@ -240,8 +250,10 @@ QPixmap CKavlorCategoryModel::cell(int identifier, int column) const
 QPixmap CKavlorCategoryModel::paintCell(int identifier, int column) const
 {
     const bool chosen = identifier == m_chosen;
-    QPixmap pixmap = chosen ? chosenBackground(column) : plainBackground(column);
+    QPixmap pixmap =
+        chosen ? chosenBackground(column, m_pixelRatio) : plainBackground(column, m_pixelRatio);
     QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, m_pixelRatio != 1);
     if (column == BackColumn) {
         if (m_hasParent)
             paintMarker(&painter, QStringLiteral("<"));
@@ -253,6 +265,6 @@ QPixmap CKavlorCategoryModel::paintCell(int identifier, int column) const
             paintMarker(&painter, QStringLiteral(">"));
     }
     painter.setPen(listStyle().separatorColor);
-    painter.drawLine(0, separatorTop, pixmap.width(), separatorTop);
+    painter.drawLine(0, separatorTop, cellSize(column).width(), separatorTop);
     return pixmap;
 }

@@ -26,6 +26,12 @@ public:
 
     static QSize cellSize(int column);
 
+    /**
+     * How many pixels of a picture take the place of one of cellSize(); 1 unless cells are shown
+     * enlarged or on a finer screen.
+     */
+    void setPixelRatio(qreal pixelRatio);
+
     /** Shows the children of @p parent; 0 = the top level. */
     void showLevel(int parent);
     /** Whose children are shown; 0 = the top level. */
@@ -55,4 +61,5 @@ private:
     int m_levelParent = 0;
     bool m_hasParent = false;
     int m_chosen = 0;
+    qreal m_pixelRatio = 1;
 };

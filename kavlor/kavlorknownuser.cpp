@@ -1,7 +1,7 @@
 #include "kavlorknownuser.h"
 
-#include "contentcolumn.h"
 #include "leaveframe.h"
+#include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
 #include "ui_kavlorknownuser.h"
@@ -13,7 +13,8 @@ KavlorKnownUser::KavlorKnownUser(const QString &userName, const QString &passwor
     , m_ui(std::make_unique<Ui::KavlorKnownUser>())
 {
     m_ui->setupUi(this);
-    new ContentColumn(this, QSize(1120, 640));
+    auto *scale = new RoomScale(this, QSize(1120, 380));
+    scale->setPicture(m_ui->labelUserIcon, QStringLiteral(":/UserIcon.png"), 128);
     new StartFocus(this, m_ui->buttonUpload);
     m_ui->labelWelcome->setText(m_userName);
     connect(m_ui->buttonMyKavlor, &QPushButton::clicked, this, &KavlorKnownUser::myKavlorClick);

@@ -1,9 +1,9 @@
 #include "kavlorlogin.h"
 
-#include "contentcolumn.h"
 #include "httptolvex.h"
 #include "leaveframe.h"
 #include "messagebox.h"
+#include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "servicehost.h"
 #include "startfocus.h"
@@ -25,7 +25,7 @@ KavlorLogin::KavlorLogin(QSettings *settings, QWidget *parent)
     , m_settings(settings)
 {
     m_ui->setupUi(this);
-    new ContentColumn(this, QSize(960, 480));
+    new RoomScale(this, QSize(960, 480));
     new StartFocus(this, m_ui->lineUsername);
     m_ui->labelError->clear();
     m_ui->loginButton->setEnabled(false);

@@ -3,6 +3,7 @@
 #include "httptolvex.h"
 #include "kavloruser.h"
 #include "messagebox.h"
+#include "roomscale.h"
 #include "startfocus.h"
 #include "ui_kavlormodifyauction.h"
 
@@ -16,22 +17,30 @@ CKavlorModifyAuction::CKavlorModifyAuction(CKavlorUser *user, int auctionId,
     , m_ui(std::make_unique<Ui::CKavlorModifyAuction>())
 {
     m_ui->setupUi(this);
+    auto *scale = new RoomScale(this);
     new StartFocus(this, m_ui->reservedPrice);
     if (m_auction.finished) {
         emit done(0, 0, 0);
         return;
     }
 
-    if (!m_auction.thumbnail.isNull()) {
-        m_ui->photoThumb->setPixmap(m_auction.thumbnail.scaled(
-            m_ui->photoThumb->size(), Qt::KeepAspectRatio, Qt::FastTransformation));
-    }
+    scale->apply([this](qreal factor) { showThumbnail(factor); });
     m_ui->buyItNowPrice->setValue(m_auction.buyItNowPrice);
     m_ui->reservedPrice->setValue(m_auction.reservePrice);
     connect(m_ui->done, &QPushButton::clicked, this, &CKavlorModifyAuction::doneClicked);
 }
 
 CKavlorModifyAuction::~CKavlorModifyAuction() = default;
+
+void CKavlorModifyAuction::showThumbnail(qreal scale)
+{
+    if (m_auction.thumbnail.isNull())
+        return;
+    // Of the size that the label is kept at.
+    m_ui->photoThumb->setPixmap(
+        m_auction.thumbnail.scaled(m_ui->photoThumb->maximumSize(), Qt::KeepAspectRatio,
+                                   scale == 1 ? Qt::FastTransformation : Qt::SmoothTransformation));
+}
 
 void CKavlorModifyAuction::doneClicked()
 {

@@ -41,6 +41,8 @@ public slots:
     void requestIsFinished(const QString &response, const QString &error);
 
 private:
+    void showThumbnail(qreal scale);
+
     int m_auctionId;
     CAuctionRow m_auction;
     CKavlorUser *m_user;

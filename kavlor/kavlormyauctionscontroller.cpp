@@ -9,6 +9,7 @@
 #include "messagebox.h"
 #include "paintedcelldelegate.h"
 #include "paintedtableaccess.h"
+#include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "slimscrollbar.h"
 #include "ui_kavlormyauctionscontroller.h"
@@ -48,10 +49,16 @@ void CKavlorMyAuctionsController::prepareTable()
     QTableView *table = m_ui->myAuctionsTable;
     const QList<QSize> sizes{CKavlorMyAuctionsModel::cellSize(CKavlorMyAuctionsModel::Thumbnail),
                              CKavlorMyAuctionsModel::cellSize(CKavlorMyAuctionsModel::Info)};
-    auto *delegate = new PaintedCellDelegate(sizes, table);
-    delegate->setCellText([this](const QModelIndex &index) { return m_model->cellText(index); });
-    showPaintedCells(table, delegate);
+    m_delegate = new PaintedCellDelegate(sizes, table);
+    m_delegate->setCellText([this](const QModelIndex &index) { return m_model->cellText(index); });
+    showPaintedCells(table, m_delegate);
     table->hide();
+    auto *scale = new RoomScale(this);
+    scale->apply([this](qreal factor) {
+        m_delegate->setScale(factor);
+        m_model->setPixelRatio(factor * devicePixelRatioF());
+        fitCells();
+    });
 
     new SlimScrollBar(table);
     new FingerScroll(table, FingerScroll::Rows);
@@ -91,16 +98,31 @@ void CKavlorMyAuctionsController::myAuctions(const QString &aData)
     m_ui->labelPleaseWait->hide();
     table->setModel(m_model);
     table->setAlternatingRowColors(true);
-    for (int column = 0; column < m_model->columnCount(); ++column)
-        table->setColumnWidth(column, CKavlorMyAuctionsModel::cellSize(column).width());
-    // All rows have the height of their contents, at a cost that does not grow with their number.
     table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    table->verticalHeader()->setDefaultSectionSize(
-        CKavlorMyAuctionsModel::cellSize(CKavlorMyAuctionsModel::Info).height());
+    fitCells();
     table->show();
     table->setFocus();
     // Where the keys begin; the cell tells a screen reader all of the row.
     table->setCurrentIndex(m_model->index(0, CKavlorMyAuctionsModel::Info));
+}
+
+// The cells stand in the middle of the table, whose rows go from side to side.
+void CKavlorMyAuctionsController::fitCells()
+{
+    QTableView *table = m_ui->myAuctionsTable;
+    const int thumbnailWidth = m_delegate->cellSize(CKavlorMyAuctionsModel::Thumbnail).width();
+    const QSize info = m_delegate->cellSize(CKavlorMyAuctionsModel::Info);
+    const int spare = qMax(0, width() - thumbnailWidth - info.width());
+    table->setColumnWidth(CKavlorMyAuctionsModel::Thumbnail, spare / 2 + thumbnailWidth);
+    table->setColumnWidth(CKavlorMyAuctionsModel::Info, info.width());
+    // All rows have the height of their contents, at a cost that does not grow with their number.
+    table->verticalHeader()->setDefaultSectionSize(info.height());
+}
+
+void CKavlorMyAuctionsController::resizeEvent(QResizeEvent *event)
+{
+    QFrame::resizeEvent(event);
+    fitCells();
 }
 
 void CKavlorMyAuctionsController::thumbnail(uint aAuctionID, const QPixmap &aImage)

@@ -11,6 +11,7 @@ class CHttpTolvex;
 class CKavlorModifyAuction;
 class CKavlorMyAuctionsModel;
 class CKavlorUser;
+class PaintedCellDelegate;
 
 namespace Ui {
 class CKavlorMyAuctionsController;
@@ -51,10 +52,14 @@ public slots:
     /** The price frame is done with an auction; @p auctionId is 0 when nothing was changed. */
     void pricesRenewed(int auctionId, int reservePrice, int buyItNowPrice);
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     enum State { Idle = 0, AwaitingList = 1, AwaitingThumbnail = 2 };
 
     void prepareTable();
+    void fitCells();
     void fetchList();
     void fetchThumbnail();
     void closePriceFrame();
@@ -62,6 +67,7 @@ private:
 
     std::unique_ptr<Ui::CKavlorMyAuctionsController> m_ui;
     CKavlorMyAuctionsModel *m_model;
+    PaintedCellDelegate *m_delegate = nullptr;
     CKavlorUser *m_user;
     CHttpTolvex *m_http;
     State m_state = AwaitingList;

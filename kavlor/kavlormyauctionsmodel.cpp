@@ -21,10 +21,13 @@ QString stripKey(uint auctionId)
     return QStringLiteral("combined::") + QString::number(auctionId);
 }
 
-QPixmap cacheThumbnail(uint auctionId, const QPixmap &thumbnail)
+QPixmap cacheThumbnail(uint auctionId, const QPixmap &thumbnail, qreal pixelRatio)
 {
-    const QPixmap scaled =
-        thumbnail.scaled(thumbnailSize, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    // Fast at its own size only: steps in a picture that is to fill several pixels for one show.
+    QPixmap scaled =
+        thumbnail.scaled(thumbnailSize * pixelRatio, Qt::IgnoreAspectRatio,
+                         pixelRatio == 1 ? Qt::FastTransformation : Qt::SmoothTransformation);
+    scaled.setDevicePixelRatio(pixelRatio);
     QPixmapCache::insert(thumbnailKey(auctionId), scaled);
     return scaled;
 }
@@ -40,6 +43,11 @@ CKavlorMyAuctionsModel::CKavlorMyAuctionsModel(QObject *parent)
 QSize CKavlorMyAuctionsModel::cellSize(int column)
 {
     return column == Thumbnail ? thumbnailSize : auctionStripSize;
+}
+
+void CKavlorMyAuctionsModel::setPixelRatio(qreal pixelRatio)
+{
+    m_pixelRatio = pixelRatio;
 }
 
 bool CKavlorMyAuctionsModel::load(const QString &reply)
@@ -81,8 +89,10 @@ bool CKavlorMyAuctionsModel::appendLine(QStringView line)
     auction.item10 = items.at(10).toInt();
     // One from an earlier list is kept, so that it can be made again when the cache loses it.
     QPixmap thumbnail;
-    if (QPixmapCache::find(thumbnailKey(id), &thumbnail))
+    if (QPixmapCache::find(thumbnailKey(id), &thumbnail)) {
+        thumbnail.setDevicePixelRatio(1);
         keepThumbnail(id, thumbnail);
+    }
 
     m_ids.insert(static_cast<int>(m_ids.size()), id);
     m_auctions.insert(id, auction);
@@ -96,7 +106,7 @@ void CKavlorMyAuctionsModel::setThumbnail(uint auctionId, const QPixmap &thumbna
     keepThumbnail(auctionId, thumbnail);
     if (thumbnail.isNull())
         return;
-    cacheThumbnail(auctionId, thumbnail);
+    cacheThumbnail(auctionId, thumbnail, m_pixelRatio);
     // The whole column, since looking for the row would take longer the longer the list is.
     emit dataChanged(index(0, Thumbnail), index(rowCount() - 1, Thumbnail), {Qt::DecorationRole});
 }
@@ -196,18 +206,20 @@ QVariant CKavlorMyAuctionsModel::thumbnail(uint auctionId) const
         return {};
     }
     QPixmap cached;
-    if (QPixmapCache::find(thumbnailKey(auctionId), &cached))
+    if (QPixmapCache::find(thumbnailKey(auctionId), &cached)
+        && cached.devicePixelRatio() == m_pixelRatio)
         return cached;
     if (original->isNull())
         return {};
-    return cacheThumbnail(auctionId, *original);
+    return cacheThumbnail(auctionId, *original, m_pixelRatio);
 }
 
 QPixmap CKavlorMyAuctionsModel::strip(uint auctionId) const
 {
     QPixmap picture;
-    if (!QPixmapCache::find(stripKey(auctionId), &picture)) {
-        picture = paintAuctionStrip(*m_auctions.constFind(auctionId));
+    if (!QPixmapCache::find(stripKey(auctionId), &picture)
+        || picture.devicePixelRatio() != m_pixelRatio) {
+        picture = paintAuctionStrip(*m_auctions.constFind(auctionId), m_pixelRatio);
         QPixmapCache::insert(stripKey(auctionId), picture);
     }
     return picture;

@@ -30,6 +30,12 @@ public:
     static QSize cellSize(int column);
 
     /**
+     * How many pixels of a picture take the place of one of cellSize(); 1 unless cells are shown
+     * enlarged or on a finer screen.
+     */
+    void setPixelRatio(qreal pixelRatio);
+
+    /**
      * Replaces all rows by those of a reply of the service, up to the first line that is none.
      * Returns false when the reply has not even a line after its header.
      */
@@ -65,4 +71,5 @@ private:
     QHash<int, uint> m_ids;              // by row
     QHash<uint, CAuctionRow> m_auctions; // without their thumbnails
     QCache<uint, QPixmap> m_thumbnails;  // as they came, those last shown; costs are bytes
+    qreal m_pixelRatio = 1;
 };

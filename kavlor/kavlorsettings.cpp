@@ -1,11 +1,11 @@
 #include "kavlorsettings.h"
 
-#include "contentcolumn.h"
 #include "httptolvex.h"
 #include "kavloruser.h"
 #include "leaveframe.h"
 #include "modifyaccountcontroller.h"
 #include "notificationscontroller.h"
+#include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
 #include "ui_kavlorsettings.h"
@@ -19,7 +19,7 @@ CKavlorSettings::CKavlorSettings(CKavlorUser *user, CKavlorNotificationOptions *
     , m_user(user)
 {
     m_ui->setupUi(this);
-    new ContentColumn(this, QSize(1040, 480));
+    new RoomScale(this, QSize(1040, 480));
     new StartFocus(this, m_ui->pushButtonMyAccount);
     connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
             &CKavlorSettings::dataRequestDone);

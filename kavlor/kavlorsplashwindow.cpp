@@ -4,6 +4,7 @@
 #include "leaveframe.h"
 #include "messagebox.h"
 #include "progressivemodel.h"
+#include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "timeconstants.h"
 #include "ui_kavlorsplashwindow.h"
@@ -29,9 +30,12 @@ CKavlorSplashWindow::CKavlorSplashWindow(RootViewController *root, const QString
     , m_request(new CHttpTolvex(this))
 {
     m_ui->setupUi(this);
+    auto *scale = new RoomScale(this);
+    scale->setPicture(m_ui->kavlorLogoLabel, QStringLiteral(":/Kavlor Logo Small.png"), 124);
     s_errorShown = false;
 
     m_ui->splashProgress->setProgress(m_progress);
+    scale->apply([this](qreal factor) { m_ui->splashProgress->setScale(factor); });
     m_progress->animate(true, static_cast<uint>(timeConstants().progressStep), 0);
 
     connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,

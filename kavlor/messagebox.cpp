@@ -1,6 +1,7 @@
 #include "messagebox.h"
 
 #include "fingerscroll.h"
+#include "roomscale.h"
 #include "theme.h"
 
 #include <QEvent>
@@ -27,12 +28,14 @@ constexpr qsizetype enoughForDetails = 50000;
 
 } // namespace
 
-MessageBox::MessageBox(QWidget *parent, Icon icon, const QString &title, const QString &text,
-                       StandardButtons buttons, StandardButton preset)
+MessageBox::MessageBox(QWidget *parent, qreal scale, Icon icon, const QString &title,
+                       const QString &text, StandardButtons buttons, StandardButton preset)
     : QMessageBox(icon, title, QString(), buttons, parent)
     , m_label(findChild<QLabel *>(QStringLiteral("qt_msgbox_label")))
+    , m_scale(scale)
 {
-    setStyleSheet(messageBoxStyleSheet());
+    setStyleSheet(RoomScale::styleSheet(messageBoxStyleSheet(), scale));
+    enlargeIcon();
     setTextFormat(Qt::PlainText);
     setTextInteractionFlags(Qt::NoTextInteraction);
     setDefaultButton(preset);
@@ -60,10 +63,29 @@ QMessageBox::StandardButton MessageBox::show(QWidget *frame, Place place, Icon i
 {
     // Not on the stack: it goes with its parent if that goes while it is open.
     const QPointer<MessageBox> box =
-        new MessageBox(place == OverFrame ? frame : nullptr, icon, title, text, buttons, preset);
+        new MessageBox(place == OverFrame ? frame : nullptr, RoomScale::of(frame), icon, title,
+                       text, buttons, preset);
     const auto answer = static_cast<StandardButton>(box->exec());
     delete box;
     return answer;
+}
+
+int MessageBox::scaled(int length) const
+{
+    return qRound(length * m_scale);
+}
+
+// The toolkit's icon has one size.
+void MessageBox::enlargeIcon()
+{
+    auto *label = findChild<QLabel *>(QStringLiteral("qt_msgboxex_icon_label"));
+    if (m_scale == 1 || !label || icon() == NoIcon)
+        return;
+    const qreal size = iconPixmap().deviceIndependentSize().height() * m_scale;
+    const qreal ratio = devicePixelRatioF();
+    QPixmap enlarged = iconPixmap().scaledToHeight(qRound(size * ratio), Qt::SmoothTransformation);
+    enlarged.setDevicePixelRatio(ratio);
+    label->setPixmap(enlarged);
 }
 
 // Shows all of the text or, when there is no room for it, its beginning above the details.
@@ -82,7 +104,7 @@ void MessageBox::fitText(const QString &text)
 // What is left for the text in a box of the largest size.
 QSize MessageBox::roomForText() const
 {
-    const QSize limit = largestBox.boundedTo(screen()->availableSize());
+    const QSize limit = (largestBox * m_scale).boundedTo(screen()->availableSize());
     const QList<QWidget *> parts = findChildren<QWidget *>();
     for (QWidget *part : parts)
         part->ensurePolished();
@@ -95,7 +117,7 @@ int MessageBox::detailsHeight()
 {
     auto *details = findChild<QTextEdit *>();
     details->ensurePolished();
-    details->setFixedHeight(detailsTextHeight);
+    details->setFixedHeight(scaled(detailsTextHeight));
     new FingerScroll(details, FingerScroll::Text);
     const auto *grid = qobject_cast<QGridLayout *>(layout());
     return details->parentWidget()->sizeHint().height() + grid->verticalSpacing();
@@ -115,21 +137,22 @@ qsizetype MessageBox::layOut(const QString &text, const QSize &room)
 
     m_lines = 0;
     qsizetype shown = 0;
-    qreal width = smallestTextWidth - textIndent;
+    const int indent = scaled(textIndent);
+    qreal width = scaled(smallestTextWidth) - indent;
     qreal height = 0;
     m_layout.beginLayout();
     for (QTextLine line = m_layout.createLine(); line.isValid(); line = m_layout.createLine()) {
-        line.setLineWidth(room.width() - textIndent);
+        line.setLineWidth(room.width() - indent);
         if (height + line.height() > room.height())
             break;
-        line.setPosition(QPointF(textIndent, height));
+        line.setPosition(QPointF(indent, height));
         width = std::max(width, line.naturalTextWidth());
         height += line.height();
         shown = line.textStart() + line.textLength();
         ++m_lines;
     }
     m_layout.endLayout();
-    m_label->setFixedSize(qCeil(width) + textIndent, qCeil(height));
+    m_label->setFixedSize(qCeil(width) + indent, qCeil(height));
     return shown;
 }
 

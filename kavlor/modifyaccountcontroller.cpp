@@ -1,7 +1,7 @@
 #include "modifyaccountcontroller.h"
 
-#include "contentcolumn.h"
 #include "httptolvex.h"
+#include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
 #include "ui_modifyaccountcontroller.h"
@@ -45,7 +45,7 @@ CModifyAccountController::CModifyAccountController(CKavlorUser *user, QWidget *p
 {
     m_edited->setParent(this);
     m_ui->setupUi(this);
-    new ContentColumn(this, QSize(1040, 520));
+    new RoomScale(this, QSize(1040, 520));
     new StartFocus(this, m_ui->checkBoxEmail);
     m_ui->errorLabelText->clear();
     m_ui->lineEmail->setText(m_edited->field(CKavlorUser::EmailAddress));

@@ -1,19 +1,11 @@
 #include "navigationcontrolableframe.h"
 
+#include "roomscale.h"
 #include "ui_navigationcontrolableframe.h"
 
 namespace {
 
 constexpr int iconHeight = 64; // pixels
-
-QPixmap iconAt(const QString &path, qreal devicePixelRatio)
-{
-    // Scaled in the screen's own pixels, so that it stays crisp where one of ours takes several.
-    QPixmap icon = QPixmap(path).scaledToHeight(qRound(iconHeight * devicePixelRatio),
-                                                Qt::SmoothTransformation);
-    icon.setDevicePixelRatio(devicePixelRatio);
-    return icon;
-}
 
 } // namespace
 
@@ -22,6 +14,7 @@ NavigationControlableFrame::NavigationControlableFrame(QWidget *parent)
     , m_ui(std::make_unique<Ui::NavigationControlableFrame>())
 {
     m_ui->setupUi(this);
+    m_scale = new RoomScale(this);
     connect(m_ui->backNavigationButton, &QPushButton::clicked, this,
             &NavigationControlableFrame::backClicked);
     connect(m_ui->cancelNavigationButton, &QPushButton::clicked, this,
@@ -34,7 +27,7 @@ void NavigationControlableFrame::setTitleAndIcon(const QString &title, const QSt
 {
     m_ui->labelNavigationTitle->setText(title);
     if (!iconPath.isEmpty())
-        m_ui->labelNavigationIcon->setPixmap(iconAt(iconPath, devicePixelRatioF()));
+        m_scale->setPicture(m_ui->labelNavigationIcon, iconPath, iconHeight);
     m_ui->labelNavigationIcon->setVisible(!iconPath.isEmpty());
 }
 

@@ -5,6 +5,7 @@
 
 class QLabel;
 class QPushButton;
+class RoomScale;
 
 namespace Ui {
 class NavigationControlableFrame;
@@ -37,4 +38,5 @@ signals:
 
 private:
     std::unique_ptr<Ui::NavigationControlableFrame> m_ui;
+    RoomScale *m_scale;
 };

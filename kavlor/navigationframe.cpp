@@ -1,6 +1,7 @@
 #include "navigationframe.h"
 
 #include "progressivemodel.h"
+#include "roomscale.h"
 #include "ui_navigationframe.h"
 
 namespace {
@@ -15,10 +16,13 @@ NavigationFrame::NavigationFrame(QWidget *parent, bool showCancel, bool showProg
     , m_ui(std::make_unique<Ui::NavigationFrame>())
 {
     m_ui->setupUi(this);
+    auto *scale = new RoomScale(this);
+    scale->setPicture(m_ui->labelSmallestLogo, QStringLiteral(":/Kavlor Logo Smallest.png"), 48);
     m_ui->cancelNavigationButton->setVisible(showCancel);
     m_ui->progressBar->setVisible(showProgress);
     m_progress->setPercentage(1);
     m_ui->progressBar->setProgress(m_progress);
+    scale->apply([this](qreal factor) { m_ui->progressBar->setScale(factor); });
 }
 
 NavigationFrame::~NavigationFrame() = default;

@@ -1,9 +1,9 @@
 #include "notificationscontroller.h"
 
-#include "contentcolumn.h"
 #include "httptolvex.h"
 #include "kavlornotificationoptions.h"
 #include "kavloruser.h"
+#include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
 #include "ui_notificationscontroller.h"
@@ -20,7 +20,7 @@ CNotificationsController::CNotificationsController(CKavlorUser *user,
     , m_user(user)
 {
     m_ui->setupUi(this);
-    new ContentColumn(this, QSize(960, 480));
+    new RoomScale(this, QSize(960, 480));
     new StartFocus(this, m_ui->checkBoxOnBid);
     for (QCheckBox *box : {m_ui->checkBoxOnBid, m_ui->checkBoxOnAuctionEnd, m_ui->checkBoxOnView,
                            m_ui->checkBoxBuyerQuestion}) {

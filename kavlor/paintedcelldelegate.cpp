@@ -10,6 +10,16 @@ PaintedCellDelegate::PaintedCellDelegate(const QList<QSize> &columnSizes, QObjec
 {
 }
 
+void PaintedCellDelegate::setScale(qreal scale)
+{
+    m_scale = scale;
+}
+
+QSize PaintedCellDelegate::cellSize(int column) const
+{
+    return m_columnSizes.value(column) * m_scale;
+}
+
 void PaintedCellDelegate::setCellText(const CellText &cellText)
 {
     m_cellText = cellText;
@@ -26,7 +36,10 @@ void PaintedCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &o
     // Not by way of an icon, which a style would tint in a selected row and set into margins.
     const QStyle *style = option.widget ? option.widget->style() : QApplication::style();
     style->drawPrimitive(QStyle::PE_PanelItemViewItem, &option, painter, option.widget);
-    painter->drawPixmap(option.rect.topLeft(), index.data(Qt::DecorationRole).value<QPixmap>());
+    QRect place(option.rect.topLeft(), cellSize(index.column()));
+    if (index.column() == 0)
+        place.moveRight(option.rect.right());
+    painter->drawPixmap(place, index.data(Qt::DecorationRole).value<QPixmap>());
     if (option.state.testFlag(QStyle::State_HasFocus)
         && option.state.testFlag(QStyle::State_KeyboardFocusChange)) {
         painter->setPen(QPen(option.palette.color(QPalette::Text), 1, Qt::DotLine));
@@ -38,5 +51,5 @@ QSize PaintedCellDelegate::sizeHint(const QStyleOptionViewItem &option,
                                     const QModelIndex &index) const
 {
     Q_UNUSED(option)
-    return m_columnSizes.value(index.column());
+    return cellSize(index.column());
 }

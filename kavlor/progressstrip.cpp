@@ -3,6 +3,8 @@
 #include "progressivemodel.h"
 
 #include <QHeaderView>
+#include <QImage>
+#include <QPainter>
 
 ProgressStrip::ProgressStrip(QWidget *parent)
     : QTableView(parent)
@@ -27,12 +29,44 @@ ProgressStrip::ProgressStrip(QWidget *parent)
 void ProgressStrip::setProgress(CProgressiveModel *model)
 {
     setModel(model);
-    resizeRowsToContents();
-    resizeColumnsToContents();
+    fitCells();
     // The cells are painted by the viewport; repainting the view around it would not reach them.
     connect(model, &CProgressiveModel::occuredTimerEvent, viewport(),
             qOverload<>(&QWidget::repaint));
+}
+
+void ProgressStrip::setScale(qreal scale)
+{
+    m_scale = scale;
+    fitCells();
+}
+
+void ProgressStrip::fitCells()
+{
+    resizeRowsToContents();
+    resizeColumnsToContents();
+    for (int row = 0; row < verticalHeader()->count(); ++row)
+        setRowHeight(row, qRound(rowHeight(row) * m_scale));
+    for (int column = 0; column < horizontalHeader()->count(); ++column)
+        setColumnWidth(column, qRound(columnWidth(column) * m_scale));
     updateGeometry();
+}
+
+void ProgressStrip::paintEvent(QPaintEvent *event)
+{
+    if (m_scale == 1 || !model()) {
+        QTableView::paintEvent(event);
+        return;
+    }
+    QPainter painter(viewport());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    for (int column = 0; column < model()->columnCount(); ++column) {
+        const QModelIndex cell = model()->index(0, column);
+        const auto picture = cell.data(Qt::DecorationRole).value<QImage>();
+        QRectF place({}, picture.size() * m_scale);
+        place.moveCenter(QRectF(visualRect(cell)).center());
+        painter.drawImage(place, picture);
+    }
 }
 
 QSize ProgressStrip::sizeHint() const

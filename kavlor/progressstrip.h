@@ -17,6 +17,17 @@ public:
     /** Shows @p model, which is not owned, and repaints whenever its light moves. */
     void setProgress(CProgressiveModel *model);
 
+    /** Shows the pictures larger by this factor; 1 is their own size. */
+    void setScale(qreal scale);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void fitCells();
+
+    qreal m_scale = 1;
 };

@@ -14,6 +14,7 @@
 #include "leaveframe.h"
 #include "navigationcontrolableframe.h"
 #include "navigationframe.h"
+#include "roomscale.h"
 #include "theme.h"
 #include "timeconstants.h"
 #include "ui_rootviewcontroller.h"
@@ -43,6 +44,7 @@ RootViewController::RootViewController(QSettings *settings, QWidget *parent)
     setStyleSheet(rootStyleSheet());
     m_ui->navigationBar->setStyleSheet(themeStyleSheet());
     m_ui->mainView->setStyleSheet(themeStyleSheet());
+    new RoomScale(this);
 
     new DoubleTapGuard(m_ui->navigationBar);
     new EnterKey(this);

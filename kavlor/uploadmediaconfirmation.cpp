@@ -1,5 +1,6 @@
 #include "uploadmediaconfirmation.h"
 
+#include "roomscale.h"
 #include "startfocus.h"
 #include "ui_uploadmediaconfirmation.h"
 
@@ -8,6 +9,7 @@ CUploadMediaConfirmation::CUploadMediaConfirmation(QWidget *parent)
     , m_ui(std::make_unique<Ui::CUploadMediaConfirmation>())
 {
     m_ui->setupUi(this);
+    new RoomScale(this);
     new StartFocus(this, m_ui->buttonOk);
     connect(m_ui->buttonOk, &QPushButton::clicked, this, &CUploadMediaConfirmation::nextClicked);
 }

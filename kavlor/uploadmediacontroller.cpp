@@ -1,6 +1,5 @@
 #include "uploadmediacontroller.h"
 
-#include "contentcolumn.h"
 #include "fingerscroll.h"
 #include "httptolvex.h"
 #include "kavlorauctioncategorize.h"
@@ -12,6 +11,7 @@
 #include "messagebox.h"
 #include "progressivemodel.h"
 #include "promptedfield.h"
+#include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
 #include "timeconstants.h"
@@ -55,11 +55,17 @@ CUploadMediaController::CUploadMediaController(CKavlorUser *user, QWidget *paren
     , m_draft(draftOf(this))
 {
     m_ui->setupUi(this);
-    new ContentColumn(this, QSize(1280, 720));
+    auto *scale = new RoomScale(this);
+    scale->apply([this](qreal factor) {
+        // The description fills a page that is higher than the handheld's.
+        if (factor > 1)
+            m_ui->textDescription->setMaximumHeight(QWIDGETSIZE_MAX);
+    });
     new StartFocus(this, m_ui->photoClicker);
     m_chooserText = m_ui->photoClicker->text();
     m_ui->descriptionFrame->setEnabled(false);
     m_ui->progressUpload->setProgress(m_progress);
+    scale->apply([this](qreal factor) { m_ui->progressUpload->setScale(factor); });
     connectForm();
     connectRequest();
     offerDraft();
@@ -119,7 +125,9 @@ void CUploadMediaController::resizeEvent(QResizeEvent *event)
 void CUploadMediaController::settleLayout()
 {
     layout()->activate();
-    m_ui->photoFrame->setMaximumHeight(m_ui->photoFrame->width() * 3 / 4);
+    // The larger the room, the nearer to the square that a photo is shown in.
+    const qreal height = 0.75 + (RoomScale::of(this) - 1) / 3;
+    m_ui->photoFrame->setMaximumHeight(static_cast<int>(m_ui->photoFrame->width() * height));
     layout()->activate();
     m_ui->photoFrame->layout()->activate();
 }

@@ -5,6 +5,7 @@
 #include "kavloruser.h"
 #include "onlineconnector.h"
 #include "resultlog.h"
+#include "roomscale.h"
 #include "scriptedservice.h"
 #include "testcase.h"
 #include "testconstants.h"
@@ -505,8 +506,9 @@ void tst_KavlorModifyAuction::fits()
     m_area.setStyleSheet(themeStyleSheet());
     m_area.resize(size);
     open();
-    QVERIFY(m_frame->minimumSizeHint().width() <= 800);
-    QVERIFY(m_frame->minimumSizeHint().height() <= 344);
+    const QSize room = QSize(800, 344) * RoomScale::forWindow(size);
+    QVERIFY(m_frame->minimumSizeHint().width() <= room.width());
+    QVERIFY(m_frame->minimumSizeHint().height() <= room.height());
     const QList<QWidget *> widgets{label("photoThumb"),
                                    label("labelCaption"),
                                    label("labelReservedPrice"),

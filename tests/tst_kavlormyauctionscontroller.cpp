@@ -7,6 +7,7 @@
 #include "kavlormyauctionsmodel.h"
 #include "kavloruser.h"
 #include "onlineconnector.h"
+#include "roomscale.h"
 #include "scriptedservice.h"
 #include "slimscrollbar.h"
 #include "testcase.h"
@@ -425,17 +426,24 @@ void tst_KavlorMyAuctionsController::fits()
     openList(auctionReply(12)); // more than any of the sizes holds
     QCOMPARE(m_frame->size(), size);
     QCOMPARE(table()->viewport()->size(), size);
-    QCOMPARE(table()->columnWidth(CKavlorMyAuctionsModel::Thumbnail), 120);
-    QCOMPARE(table()->columnWidth(CKavlorMyAuctionsModel::Info), size.width() - 120);
+    const qreal scale = RoomScale::forWindow(size);
+    const QSize cells = QSize(120 + 680, 90) * scale;
+    const QSize room(800 * scale, 344 * scale);
+    QCOMPARE(table()->rowHeight(0), cells.height());
+    // The cells stand side by side in the middle.
+    const int left = table()->columnWidth(CKavlorMyAuctionsModel::Thumbnail) - 120 * scale;
+    QVERIFY(qAbs(left - (size.width() - cells.width() - left)) <= 2);
     QVERIFY(!table()->horizontalScrollBar()->isVisible());
     QVERIFY(!table()->verticalScrollBar()->isVisible());
-    QVERIFY(m_frame->minimumSizeHint().width() <= 800);
-    QVERIFY(m_frame->minimumSizeHint().height() <= 344);
+    QVERIFY(m_frame->minimumSizeHint().width() <= room.width());
+    QVERIFY(m_frame->minimumSizeHint().height() <= room.height());
 
     // A window that grows later takes the list with it.
     m_mainView->resize(size + QSize(100, 50));
     QTRY_COMPARE(table()->viewport()->size(), size + QSize(100, 50));
-    QCOMPARE(table()->columnWidth(CKavlorMyAuctionsModel::Info), size.width() - 20);
+    QCOMPARE(table()->columnWidth(CKavlorMyAuctionsModel::Thumbnail)
+                 + table()->columnWidth(CKavlorMyAuctionsModel::Info),
+             size.width() + 100);
 }
 
 void tst_KavlorMyAuctionsController::layingOutReadsNoCell()

@@ -42,6 +42,7 @@ private slots:
     void everyBoxOfTheProgram();
     void aReplyOfManyMegabytesIsShownAtOnce();
     void detailsStayOnTheScreen();
+    void growsWithTheWindowThatTells();
 
     void tellSaysWhetherTheFrameIsStillThere_data();
     void tellSaysWhetherTheFrameIsStillThere();
@@ -555,6 +556,34 @@ void tst_MessageBox::detailsStayOnTheScreen()
     m_faults.clear();
     QVERIFY(MessageBox::tell(&frame, QMessageBox::NoIcon, QString(), lines(40)));
     QCOMPARE(m_faults.join(QLatin1Char('\n')), QString());
+}
+
+void tst_MessageBox::growsWithTheWindowThatTells()
+{
+    QWidget window;
+    QWidget frame(&window);
+    QList<qreal> text;
+    QList<int> buttons;
+    QList<int> icons;
+    DialogAnswers dialogs;
+    for (const QSize size : {QSize(800, 424), QSize(1920, 1080)}) {
+        window.resize(size);
+        dialogs.beforeNextAnswer([&] {
+            const QMessageBox *box = openBox();
+            const auto *label = box->findChild<QLabel *>(QStringLiteral("qt_msgbox_label"));
+            const auto *icon = box->findChild<QLabel *>(QStringLiteral("qt_msgboxex_icon_label"));
+            text.append(label->font().pointSizeF());
+            buttons.append(box->defaultButton()->height());
+            icons.append(icon->pixmap().deviceIndependentSize().toSize().height());
+        });
+        QVERIFY(MessageBox::tell(&frame, QMessageBox::Information, QStringLiteral("title"),
+                                 QStringLiteral("What there is to say.")));
+    }
+    QCOMPARE(text.size(), 2);
+    QVERIFY(qAbs(text.at(1) - 1.6 * text.at(0)) < 0.1);
+    QVERIFY(qAbs(buttons.at(1) - 1.6 * buttons.at(0)) <= 2);
+    QVERIFY2(qAbs(icons.at(1) - 1.6 * icons.at(0)) <= 1,
+             qPrintable(QStringLiteral("%1, %2").arg(icons.at(0)).arg(icons.at(1))));
 }
 
 void tst_MessageBox::tellSaysWhetherTheFrameIsStillThere_data()

@@ -1,4 +1,5 @@
 #include "contrast.h"
+#include "drawings.h"
 #include "testcase.h"
 #include "testmain.h"
 
@@ -139,7 +140,7 @@ void tst_Resources::logosAreThereForFinerScreens()
     QFETCH(QString, name);
 
     const QImage logo(name + QStringLiteral(".png"));
-    const QImage fine(name + QStringLiteral("@2x.png"));
+    const QImage fine(largeDrawing(name + QStringLiteral(".png")));
     QCOMPARE(fine.size(), 2 * logo.size());
 }
 

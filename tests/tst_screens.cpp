@@ -1,3 +1,6 @@
+#include "picturecomparison.h"
+#include "progressivemodel.h"
+#include "roomscale.h"
 #include "rootwindow.h"
 #include "testcase.h"
 #include "testconstants.h"
@@ -65,6 +68,7 @@ private:
     bool toAlerts(RootWindow &window);
 
     void checkPlaces(const RootWindow &window);
+    void checkComposition(const RootWindow &window);
     void checkTexts(const RootWindow &window);
     void checkTouchTargets(const RootWindow &window);
     void checkNames(const RootWindow &window);
@@ -174,6 +178,7 @@ bool isInsideAScrollArea(const QWidget *widget)
 void tst_Screens::initTestCase()
 {
     // Where the file dialog opens, as on any desktop.
+    QApplication::setCursorFlashTime(0);
     QVERIFY(QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)));
     m_photo = m_folder.filePath(QStringLiteral("photo.jpg"));
     QImage image(640, 480, QImage::Format_RGB32);
@@ -401,17 +406,28 @@ void tst_Screens::everythingIsInPlace()
     QFETCH(Way, way);
     RootWindow window;
     QVERIFY2((this->*way)(window), window.service.report());
-    for (const QSize size : {QSize(800, 424), QSize(1280, 800), QSize(1920, 1080)}) {
+    const QList<CProgressiveModel *> strips = window.root()->findChildren<CProgressiveModel *>();
+    for (CProgressiveModel *strip : strips)
+        strip->animate(false, 0, 0);
+    QImage smallest;
+    for (const QSize size :
+         {QSize(800, 424), QSize(1280, 800), QSize(1920, 1080), QSize(800, 424)}) {
         window.root()->resize(size);
         QTRY_COMPARE(window.root()->size(), size);
         QCoreApplication::processEvents(); // layouts follow
+        const QImage picture = window.root()->grab().toImage();
+        if (smallest.isNull())
+            smallest = picture;
+        else if (picture.size() == smallest.size())
+            QCOMPARE(pictureDifference(picture, smallest, 0), QString());
         if (qEnvironmentVariableIsSet("KAVLOR_SCREEN_PICTURES")) {
-            window.root()->grab().save(qEnvironmentVariable("KAVLOR_SCREEN_PICTURES")
-                                       + QStringLiteral("/%1-%2.png")
-                                             .arg(QLatin1String(QTest::currentDataTag()))
-                                             .arg(size.width()));
+            picture.save(qEnvironmentVariable("KAVLOR_SCREEN_PICTURES")
+                         + QStringLiteral("/%1-%2.png")
+                               .arg(QLatin1String(QTest::currentDataTag()))
+                               .arg(size.width()));
         }
         checkPlaces(window);
+        checkComposition(window);
         checkTexts(window);
         checkTouchTargets(window);
         checkNames(window);
@@ -439,6 +455,22 @@ void tst_Screens::checkPlaces(const RootWindow &window)
                                 + describe(items.at(other))));
         }
     }
+}
+
+// What is shown below the bar makes use of the window's width, and has it on both sides alike.
+void tst_Screens::checkComposition(const RootWindow &window)
+{
+    const QWidget *view = window.find("mainView");
+    QRect whole;
+    for (const QWidget *item : visibleItems(window)) {
+        if (view->isAncestorOf(item))
+            whole |= placeOf(item);
+    }
+    QVERIFY2(whole.width() >= view->width() / 2,
+             qPrintable(QStringLiteral("an island of %1 pixels").arg(whole.width())));
+    const int offset = qAbs(whole.center().x() - view->rect().center().x());
+    QVERIFY2(offset <= view->width() / 40,
+             qPrintable(QStringLiteral("%1 pixels beside the middle").arg(offset)));
 }
 
 void tst_Screens::checkTexts(const RootWindow &window)
@@ -485,15 +517,18 @@ void tst_Screens::checkTouchTargets(const RootWindow &window)
         QStringLiteral("done"),
     };
     for (QWidget *control : visibleControls(window)) {
-        const int needed =
+        const qreal scale = RoomScale::of(control);
+        const int atScale1 =
             mainButtons.contains(control->objectName()) ? mainButtonHeight : touchHeight;
+        // Borders and padding are rounded one by one.
+        const int needed = scale > 1 ? static_cast<int>(atScale1 * scale) - 1 : atScale1;
         QVERIFY2(
             control->height() >= needed,
             qPrintable(QStringLiteral("needs %1 in height: ").arg(needed) + describe(control)));
         if (auto *table = qobject_cast<QTableView *>(control)) {
             const bool isList = table->model() && table->model()->rowCount() > 0
                 && table->isEnabled() && !table->testAttribute(Qt::WA_TransparentForMouseEvents);
-            QVERIFY2(!isList || table->rowHeight(0) >= mainButtonHeight,
+            QVERIFY2(!isList || table->rowHeight(0) >= static_cast<int>(mainButtonHeight * scale),
                      qPrintable(describe(table)));
         }
     }
