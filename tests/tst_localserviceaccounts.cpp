@@ -61,9 +61,9 @@ private:
 
 namespace {
 
-FormBody form(const char *name, const char *password, const char *newPassword)
+Fields form(const char *name, const char *password, const char *newPassword)
 {
-    FormBody fields;
+    Fields fields;
     fields.set(QStringLiteral("Username"), QLatin1String(name));
     fields.set(QStringLiteral("Password"), QLatin1String(password));
     fields.set(QStringLiteral("Password1"), QLatin1String(newPassword));

@@ -37,7 +37,7 @@ void addAuction(QByteArray &list, const Auctions::Auction &auction, const LocalC
 }
 
 // 1 or 0, or -1 for anything else.
-int flag(const FormBody &form, const char *name)
+int flag(const Fields &form, const char *name)
 {
     return int(form.number(QLatin1String(name), 1));
 }
@@ -80,7 +80,7 @@ QByteArray Operations::item(const QString &text)
     return line.trimmed().toUtf8();
 }
 
-Operations::Reply Operations::answer(const QString &operation, const FormBody &form,
+Operations::Reply Operations::answer(const QString &operation, const Fields &form,
                                      const QByteArray &address)
 {
     if (operation == QLatin1String("GetServiceTerms"))
@@ -112,7 +112,7 @@ Operations::Reply Operations::answer(const QString &operation, const FormBody &f
     return (this->*forMember)(member.value(), form);
 }
 
-Result<Effort> Operations::effort(const QString &operation, const FormBody &form)
+Result<Effort> Operations::effort(const QString &operation, const Fields &form)
 {
     static const QHash<QString, Effort> known{
         {QStringLiteral("GetServiceTerms"), Effort::Reading},
@@ -133,13 +133,13 @@ Result<Effort> Operations::effort(const QString &operation, const FormBody &form
     return isRemembered.value() ? Effort::Reading : Effort::Changing;
 }
 
-Result<qint64> Operations::login(const FormBody &form, const QByteArray &address)
+Result<qint64> Operations::login(const Fields &form, const QByteArray &address)
 {
     return m_accounts.login(form.text(QStringLiteral("Username")),
                             form.text(QStringLiteral("Password")), address);
 }
 
-Operations::Reply Operations::validateLogin(const FormBody &form, const QByteArray &address)
+Operations::Reply Operations::validateLogin(const Fields &form, const QByteArray &address)
 {
     const Result<qint64> member = login(form, address);
     if (member.isOk())
@@ -150,24 +150,24 @@ Operations::Reply Operations::validateLogin(const FormBody &form, const QByteArr
     return reply;
 }
 
-Operations::Reply Operations::createAccount(const FormBody &form)
+Operations::Reply Operations::createAccount(const Fields &form)
 {
     return number(m_accounts.create(form));
 }
 
-Operations::Reply Operations::modifyAccount(const FormBody &form, const QByteArray &address)
+Operations::Reply Operations::modifyAccount(const Fields &form, const QByteArray &address)
 {
     return number(m_accounts.modify(form, address));
 }
 
-Operations::Reply Operations::categories(qint64 member, const FormBody &form)
+Operations::Reply Operations::categories(qint64 member, const Fields &form)
 {
     Q_UNUSED(member)
     Q_UNUSED(form)
     return {categoryList(), "text/plain", {}, {}};
 }
 
-Operations::Reply Operations::notificationOptions(qint64 member, const FormBody &form)
+Operations::Reply Operations::notificationOptions(qint64 member, const Fields &form)
 {
     Q_UNUSED(form)
     const Result<Accounts::AlertOptions> found = m_accounts.alertOptions(member);
@@ -185,7 +185,7 @@ Operations::Reply Operations::notificationOptions(qint64 member, const FormBody 
             {}};
 }
 
-Operations::Reply Operations::setNotificationOptions(qint64 member, const FormBody &form)
+Operations::Reply Operations::setNotificationOptions(qint64 member, const Fields &form)
 {
     const int onBid = flag(form, "NotifyOnBid");
     const int onEnd = flag(form, "NotifyOnAuctionEnd");
@@ -198,7 +198,7 @@ Operations::Reply Operations::setNotificationOptions(qint64 member, const FormBo
     return stored.isOk() ? number(member) : refusal(stored.failure());
 }
 
-Operations::Reply Operations::myAuctions(qint64 member, const FormBody &form)
+Operations::Reply Operations::myAuctions(qint64 member, const Fields &form)
 {
     Q_UNUSED(form)
     QByteArray list = "AuctionID,Title,StartPrice,ReservePrice,BuyItNowPrice,CurrentPrice,EndDate,"
@@ -212,7 +212,7 @@ Operations::Reply Operations::myAuctions(qint64 member, const FormBody &form)
     return {list, "text/plain", {}, {}};
 }
 
-Operations::Reply Operations::modifyAuction(qint64 member, const FormBody &form)
+Operations::Reply Operations::modifyAuction(qint64 member, const Fields &form)
 {
     const qint64 auction =
         form.number(QStringLiteral("AuctionID"), std::numeric_limits<qint32>::max());
@@ -222,7 +222,7 @@ Operations::Reply Operations::modifyAuction(qint64 member, const FormBody &form)
     return changed.isOk() ? number(auction) : refusal(changed.failure());
 }
 
-Result<Auctions::Auction> Operations::ownAuction(qint64 member, const FormBody &form)
+Result<Auctions::Auction> Operations::ownAuction(qint64 member, const Fields &form)
 {
     const qint64 id = form.number(QStringLiteral("AuctionID"), std::numeric_limits<qint32>::max());
     const Result<Auctions::Auction> auction = m_auctions.auction(id);
@@ -231,7 +231,7 @@ Result<Auctions::Auction> Operations::ownAuction(qint64 member, const FormBody &
     return auction;
 }
 
-Operations::Reply Operations::thumbnail(qint64 member, const FormBody &form)
+Operations::Reply Operations::thumbnail(qint64 member, const Fields &form)
 {
     const Result<Auctions::Auction> auction = ownAuction(member, form);
     if (!auction.isOk())
@@ -241,7 +241,7 @@ Operations::Reply Operations::thumbnail(qint64 member, const FormBody &form)
     return {picture.bytes, picture.type, {}, {}};
 }
 
-Operations::Reply Operations::rawMedia(qint64 member, const FormBody &form)
+Operations::Reply Operations::rawMedia(qint64 member, const Fields &form)
 {
     const Result<Auctions::Auction> auction = ownAuction(member, form);
     if (!auction.isOk())

@@ -18,12 +18,12 @@ constexpr int mailsShown = 100;
 constexpr int wordsRead = 200;
 constexpr int lastPage = 1000000;
 
-qint64 idIn(const FormBody &form)
+qint64 idIn(const Fields &form)
 {
     return form.number(QStringLiteral("id"), std::numeric_limits<qint32>::max());
 }
 
-Auctions::Buyer buyerIn(const FormBody &form)
+Auctions::Buyer buyerIn(const Fields &form)
 {
     return {form.text(QStringLiteral("name")).simplified(),
             form.text(QStringLiteral("email")).trimmed()};
@@ -190,11 +190,11 @@ WebSite::Reply WebSite::auctionPage(const Request &request, const VisitorToken &
     const QString done = request.query.text(QStringLiteral("done"));
     if (done.isEmpty() && request.method == "GET")
         (void)m_auctions.countView(id);
-    return auctionReply(id, visitor, thanks(done), FormBody(), 200);
+    return auctionReply(id, visitor, thanks(done), Fields(), 200);
 }
 
 WebSite::Reply WebSite::auctionReply(qint64 id, const VisitorToken &visitor,
-                                     const PageWriter::Notice &notice, const FormBody &typed,
+                                     const PageWriter::Notice &notice, const Fields &typed,
                                      int status)
 {
     const Result<Auctions::Auction> auction = m_auctions.auction(id);

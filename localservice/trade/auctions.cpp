@@ -1,5 +1,6 @@
 #include "auctions.h"
 
+#include "alerts.h"
 #include "categories.h"
 #include "localclock.h"
 #include "mailoutbox.h"
@@ -124,20 +125,17 @@ Result<bool> isAnyDue(Database::Session &session)
     return due.isOk() ? Result<bool>(!due.value().isEmpty()) : due.failure();
 }
 
-// Mails the seller, if his options (a column of the members' table) ask for it. A failure is kept
-// by the session.
-void alertSeller(Database::Session &session, const Auctions::Auction &auction, const char *option,
-                 const QString &subject, const QString &text)
+// Mails the seller, if his options ask for it. A failure is kept by the session.
+void alertSeller(Database::Session &session, const Auctions::Auction &auction, const Alert &alert)
 {
     const Result<Database::Rows> seller =
         session.select(QStringLiteral("SELECT email FROM members WHERE id = ? AND %1 <> 0")
-                           .arg(QLatin1String(option)),
+                           .arg(QLatin1String(alert.option)),
                        {auction.member});
     if (!seller.isOk() || seller.value().isEmpty())
         return;
-    MailOutbox::send(session, seller.value().first().first().toString(), subject,
-                     QStringLiteral("Hello %1,\n\n%2\n\nAuction %3: %4\n")
-                         .arg(auction.seller, text, QString::number(auction.id), auction.title));
+    MailOutbox::send(session, seller.value().first().first().toString(), alert.subject,
+                     alert.mail(auction.seller, auction.id, auction.title));
 }
 
 void sell(Database::Session &session, const Auctions::Auction &auction,
@@ -147,19 +145,15 @@ void sell(Database::Session &session, const Auctions::Auction &auction,
         QStringLiteral(
             "UPDATE auctions SET state = 'sold', sold_price = ?, buyer = ? WHERE id = ?"),
         {price, buyer.name + QStringLiteral(" <") + buyer.email + QLatin1Char('>'), auction.id});
-    alertSeller(session, auction, "notify_end", QStringLiteral("Your auction is won"),
-                QStringLiteral("your auction is won: %1 (%2) buys it for USD %3.")
-                    .arg(buyer.name, buyer.email, QString::number(price)));
+    alertSeller(session, auction, Alert::won(buyer.name, buyer.email, price));
 }
 
 void endUnsold(Database::Session &session, const Auctions::Auction &auction)
 {
     session.change(QStringLiteral("UPDATE auctions SET state = 'unsold' WHERE id = ?"),
                    {auction.id});
-    alertSeller(session, auction, "notify_end", QStringLiteral("Your auction has ended"),
-                auction.bids == 0
-                    ? QStringLiteral("your auction has ended without a bid.")
-                    : QStringLiteral("your auction has ended below its reserve price."));
+    alertSeller(session, auction,
+                auction.bids == 0 ? Alert::endedWithoutBid() : Alert::endedBelowReserve());
 }
 
 void end(Database::Session &session, const Auctions::Auction &auction)
@@ -247,6 +241,23 @@ Result<qint64> Auctions::create(const NewAuction &auction, const QString &media)
 
 Result<void> Auctions::changePrices(qint64 member, qint64 id, qint64 reservePrice, qint64 buyPrice)
 {
+    return change(id, [=](Database::Session &session, const Auction &auction) -> Result<void> {
+        if (auction.id == 0 || auction.member != member)
+            return refused(QStringLiteral("this is no auction of yours"));
+        if (!auction.isOpen())
+            return refused(QStringLiteral("the auction has ended and can no longer be changed"));
+        const Result<void> checked = checkPrices(auction.startPrice, reservePrice, buyPrice);
+        if (!checked.isOk())
+            return checked;
+        session.change(
+            QStringLiteral("UPDATE auctions SET reserve_price = ?, buy_price = ? WHERE id = ?"),
+            {reservePrice, buyPrice, id});
+        return {};
+    });
+}
+
+Result<void> Auctions::change(qint64 id, const Step &step)
+{
     const Result<void> ended = endDue();
     if (!ended.isOk())
         return ended;
@@ -254,18 +265,8 @@ Result<void> Auctions::changePrices(qint64 member, qint64 id, qint64 reservePric
     const Result<Auction> found = readAuction(session, id);
     if (!found.isOk())
         return found.failure();
-    const Auction &auction = found.value();
-    if (auction.id == 0 || auction.member != member)
-        return refused(QStringLiteral("this is no auction of yours"));
-    if (!auction.isOpen())
-        return refused(QStringLiteral("the auction has ended and can no longer be changed"));
-    const Result<void> checked = checkPrices(auction.startPrice, reservePrice, buyPrice);
-    if (!checked.isOk())
-        return checked;
-    session.change(
-        QStringLiteral("UPDATE auctions SET reserve_price = ?, buy_price = ? WHERE id = ?"),
-        {reservePrice, buyPrice, id});
-    return session.commit();
+    const Result<void> done = step(session, found.value());
+    return done.isOk() ? session.commit() : done;
 }
 
 Result<QList<Auctions::Auction>> Auctions::select(const QString &condition,
@@ -371,60 +372,44 @@ Result<void> Auctions::countView(qint64 id)
     if (found.value().id == 0)
         return {};
     session.change(QStringLiteral("UPDATE auctions SET views = views + 1 WHERE id = ?"), {id});
-    alertSeller(session, found.value(), "notify_view",
-                QStringLiteral("Your auction has been viewed"),
-                QStringLiteral("somebody is looking at your auction."));
+    alertSeller(session, found.value(), Alert::viewed());
     return session.commit();
 }
 
 Result<void> Auctions::bid(qint64 id, const Buyer &buyer, qint64 amount)
 {
-    const Result<void> ended = endDue();
-    if (!ended.isOk())
-        return ended;
-    Database::Session session(m_database, Database::Writing);
-    const Result<Auction> found = readAuction(session, id);
-    if (!found.isOk())
-        return found.failure();
-    const Auction &auction = found.value();
-    if (!auction.isOpen())
-        return refused(QStringLiteral("this auction has ended"));
-    const Result<void> checked = checkBuyer(buyer);
-    if (!checked.isOk())
-        return checked;
-    if (!isPrice(amount) || amount < auction.lowestNextBid()) {
-        return refused(QStringLiteral("please bid at least USD %1, in whole US dollars")
-                           .arg(auction.lowestNextBid()));
-    }
-    session.change(
-        QStringLiteral(
-            "INSERT INTO bids (auction, bidder, email, amount, placed) VALUES (?, ?, ?, ?, ?)"),
-        {id, buyer.name, buyer.email, amount, LocalClock::now()});
-    alertSeller(
-        session, auction, "notify_bid", QStringLiteral("A bid on your auction"),
-        QStringLiteral("%1 bids USD %2 on your auction.").arg(buyer.name, QString::number(amount)));
-    return session.commit();
+    return change(id, [&](Database::Session &session, const Auction &auction) -> Result<void> {
+        if (!auction.isOpen())
+            return refused(QStringLiteral("this auction has ended"));
+        const Result<void> checked = checkBuyer(buyer);
+        if (!checked.isOk())
+            return checked;
+        if (!isPrice(amount) || amount < auction.lowestNextBid()) {
+            return refused(QStringLiteral("please bid at least USD %1, in whole US dollars")
+                               .arg(auction.lowestNextBid()));
+        }
+        session.change(
+            QStringLiteral(
+                "INSERT INTO bids (auction, bidder, email, amount, placed) VALUES (?, ?, ?, ?, ?)"),
+            {id, buyer.name, buyer.email, amount, LocalClock::now()});
+        alertSeller(session, auction, Alert::bid(buyer.name, amount));
+        return {};
+    });
 }
 
 Result<void> Auctions::buyNow(qint64 id, const Buyer &buyer)
 {
-    const Result<void> ended = endDue();
-    if (!ended.isOk())
-        return ended;
-    Database::Session session(m_database, Database::Writing);
-    const Result<Auction> found = readAuction(session, id);
-    if (!found.isOk())
-        return found.failure();
-    const Auction &auction = found.value();
-    if (!auction.isBuyable())
-        return refused(QStringLiteral("this auction can no longer be bought at once"));
-    const Result<void> checked = checkBuyer(buyer);
-    if (!checked.isOk())
-        return checked;
-    sell(session, auction, buyer, auction.buyPrice);
-    session.change(QStringLiteral("UPDATE auctions SET ends = ? WHERE id = ?"),
-                   {LocalClock::now(), id});
-    return session.commit();
+    return change(id, [&](Database::Session &session, const Auction &auction) -> Result<void> {
+        if (!auction.isBuyable())
+            return refused(QStringLiteral("this auction can no longer be bought at once"));
+        const Result<void> checked = checkBuyer(buyer);
+        if (!checked.isOk())
+            return checked;
+        sell(session, auction, buyer, auction.buyPrice);
+        session.change(QStringLiteral("UPDATE auctions SET ends = ? WHERE id = ?"),
+                       {LocalClock::now(), id});
+        return {};
+    });
 }
 
 Result<void> Auctions::ask(qint64 id, const Buyer &buyer, const QString &question)
@@ -442,9 +427,7 @@ Result<void> Auctions::ask(qint64 id, const Buyer &buyer, const QString &questio
         return refused(
             QStringLiteral("please write a question of at most %1 characters").arg(maxQuestion));
     }
-    alertSeller(session, found.value(), "notify_question",
-                QStringLiteral("A question about your auction"),
-                QStringLiteral("%1 (%2) asks:\n\n%3").arg(buyer.name, buyer.email, question));
+    alertSeller(session, found.value(), Alert::question(buyer.name, buyer.email, question));
     return session.commit();
 }
 

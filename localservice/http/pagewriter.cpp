@@ -4,73 +4,16 @@
 #include "localclock.h"
 #include "mediatypes.h"
 
+#include <QFile>
 #include <QLocale>
 
 namespace {
 
-const char *const styleSheet = R"(
-*{box-sizing:border-box}
-body{margin:0;background:#f2f4f6;color:#00007f;font:16px/1.5 "DejaVu Sans",Verdana,sans-serif}
-a{color:#1a5494}
-header{background:linear-gradient(#2e783e,#165c28);color:#fff}
-header>div,main,footer{max-width:1080px;margin:0 auto;padding:0 20px}
-header>div{display:flex;align-items:center;gap:28px;min-height:60px;flex-wrap:wrap}
-header a{color:#fff;text-decoration:none}
-header a:hover{text-decoration:underline}
-header .brand{font-size:24px;font-weight:bold;letter-spacing:.5px}
-main{padding-top:24px;padding-bottom:48px}
-h1{font-size:26px;line-height:1.25;margin:0 0 4px;overflow-wrap:anywhere}
-h2{font-size:18px;margin:32px 0 12px}
-p{margin:0 0 16px}
-.panel>:first-child{margin-top:0}
-.panel>:last-child{margin-bottom:0}
-.muted,footer{color:#55616c;font-size:14px}
-.panel{background:#fff;border:1px solid #dde2e7;border-radius:8px;padding:20px;margin-bottom:20px}
-.cards{display:grid;grid-template-columns:repeat(auto-fill,minmax(240px,1fr));gap:20px}
-.card{background:#fff;border:1px solid #dde2e7;border-radius:8px;overflow:hidden;display:flex;
-flex-direction:column;color:inherit;text-decoration:none}
-.card:hover{border-color:#2e783e;box-shadow:0 2px 10px rgba(30,60,40,.16)}
-.card img{width:100%;aspect-ratio:4/3;object-fit:cover;display:block;background:#e4e8ec}
-.card .text{padding:12px 14px 14px;display:flex;flex-direction:column;flex:1;gap:6px}
-.card .title{font-weight:bold;color:#9a5000;overflow-wrap:anywhere}
-.card .badge{align-self:flex-start}
-.card .foot{display:flex;justify-content:space-between;margin-top:auto;padding-top:6px;
-border-top:1px solid #edf0f2}
-.price{font-size:20px;font-weight:bold}
-.badge{display:inline-block;border-radius:11px;padding:1px 10px;font-size:13px;font-weight:bold;
-background:#e2e7ec;color:#44515d}
-.badge.good{background:#dcf2e1;color:#17642d}
-.badge.sold{background:#fbe3c4;color:#8a4a00}
-.columns{display:grid;grid-template-columns:minmax(0,3fr) minmax(280px,2fr);column-gap:20px;
-grid-template-rows:auto 1fr;align-items:start}
-.columns .side{grid-column:2;grid-row:1/span 2}
-.search{display:grid;grid-template-columns:auto minmax(0,2fr) auto minmax(0,2fr) auto;gap:10px;
-align-items:center;margin:16px 0 24px}
-.search label,.search button{margin:0}
-.pages{display:flex;gap:24px;justify-content:center;margin:24px 0}
-@media(max-width:800px){.columns,.search{grid-template-columns:minmax(0,1fr)}
-.columns .side{grid-column:1;grid-row:auto}}
-.media{padding:0;overflow:hidden}
-.media img,.media video{display:block;width:100%;max-height:620px;object-fit:contain;
-background:#1d242b}
-.description{white-space:pre-line;overflow-wrap:anywhere}
-label{display:block;font-size:14px;font-weight:bold;margin:10px 0 3px}
-input,textarea,select{width:100%;padding:9px 10px;font:inherit;border:1px solid #b9c2ca;border-radius:5px;
-background:#fff;color:inherit}
-input:focus,textarea:focus,select:focus,button:focus,a:focus{outline:2px solid #00007f}
-button{margin-top:14px;padding:10px 22px;font:inherit;font-weight:bold;color:#fff;cursor:pointer;
-background:linear-gradient(#2e783e,#165c28);border:1px solid #165c28;border-radius:5px}
-button:hover{color:#efff35}
-table{border-collapse:collapse;width:100%}
-td,th{text-align:left;padding:6px 8px;border-bottom:1px solid #edf0f2;overflow-wrap:anywhere}
-td.number,th.number{text-align:right}
-.notice{border-radius:6px;padding:11px 16px;margin-bottom:20px;background:#dcf2e1;
-border:1px solid #9cd3ab;color:#17552a}
-.notice.error{background:#fbe4e0;border-color:#e6ada3;color:#8c2415}
-.narrow{max-width:520px;margin-left:auto;margin-right:auto}
-.mail pre{white-space:pre-wrap;overflow-wrap:anywhere;font:15px/1.5 "DejaVu Sans Mono",monospace;
-margin:10px 0 0}
-)";
+QString styleSheet()
+{
+    QFile file(QStringLiteral(":/localservice/http/page.css"));
+    return file.open(QIODevice::ReadOnly) ? QString::fromLatin1(file.readAll()) : QString();
+}
 
 QString usd(qint64 amount)
 {
@@ -226,7 +169,7 @@ QString input(const QString &id, const QString &label, const QString &attributes
         .arg(id, label, attributes, value.toHtmlEscaped());
 }
 
-QString visitorInputs(const QString &form, const FormBody &typed)
+QString visitorInputs(const QString &form, const Fields &typed)
 {
     return input(form + QStringLiteral("-name"), QStringLiteral("Your name"),
                  QStringLiteral("name=\"name\" maxlength=\"100\" autocomplete=\"name\""),
@@ -302,6 +245,7 @@ QString mailText(const QString &body, const QString &ownAddress)
 
 QByteArray page(const QString &title, const QString &content)
 {
+    static const QString style = QLatin1Char('\n') + styleSheet();
     const QString text = QStringLiteral(R"(<!DOCTYPE html>
 <html lang="en"><head><meta charset="utf-8"><title>%1 - kavlor</title>
 <meta name="viewport" content="width=device-width, initial-scale=1">
@@ -312,7 +256,7 @@ QByteArray page(const QString &title, const QString &content)
 %3</main>
 </body></html>
 )")
-                             .arg(title.toHtmlEscaped(), QLatin1String(styleSheet), content);
+                             .arg(title.toHtmlEscaped(), style, content);
     return text.toUtf8();
 }
 
@@ -345,7 +289,7 @@ QByteArray PageWriter::auctions(const Auctions::Page &onSale, const Auctions::Se
 }
 
 QByteArray PageWriter::auction(const Auctions::Auction &auction, const QList<Auctions::Bid> &bids,
-                               const Notice &notice, const FormBody &typed) const
+                               const Notice &notice, const Fields &typed) const
 {
     const QString description = auction.description.isEmpty()
         ? QString()
@@ -374,7 +318,7 @@ QString PageWriter::formStart(const QString &action) const
         .arg(action, m_token);
 }
 
-QString PageWriter::bidForm(const Auctions::Auction &auction, const FormBody &typed) const
+QString PageWriter::bidForm(const Auctions::Auction &auction, const Fields &typed) const
 {
     const QString amount =
         QStringLiteral("name=\"amount\" type=\"number\" min=\"%1\" max=\"%2\" step=\"1\"")
@@ -390,7 +334,7 @@ QString PageWriter::bidForm(const Auctions::Auction &auction, const FormBody &ty
         + QStringLiteral("</div>\n");
 }
 
-QString PageWriter::buyForm(const Auctions::Auction &auction, const FormBody &typed) const
+QString PageWriter::buyForm(const Auctions::Auction &auction, const Fields &typed) const
 {
     return QStringLiteral("<div class=\"panel\"><strong>Buy it now for %1</strong>\n")
                .arg(usd(auction.buyPrice))
@@ -400,7 +344,7 @@ QString PageWriter::buyForm(const Auctions::Auction &auction, const FormBody &ty
         + QStringLiteral("</div>\n");
 }
 
-QString PageWriter::questionForm(const Auctions::Auction &auction, const FormBody &typed) const
+QString PageWriter::questionForm(const Auctions::Auction &auction, const Fields &typed) const
 {
     return QStringLiteral("<div class=\"panel\"><strong>Ask the seller a question</strong>\n")
         + formStart(QStringLiteral("/auction/question")) + auctionInput(auction)

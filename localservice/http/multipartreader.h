@@ -1,6 +1,6 @@
 #pragma once
 
-#include "formbody.h"
+#include "fields.h"
 
 #include <QByteArray>
 #include <QString>
@@ -37,7 +37,7 @@ public:
     /** How much is kept in memory. */
     qint64 heldBytes() const;
     QString error() const;
-    const FormBody &fields() const;
+    const Fields &fields() const;
     bool hasMedia() const;
     qint64 mediaBytes() const;
     /** The media's file name as announced, such as "1.jpg". */
@@ -63,7 +63,7 @@ private:
     State m_state = Preamble;
     QString m_error;
     QByteArray m_buffer;
-    FormBody m_fields;
+    Fields m_fields;
     qint64 m_textBytes = 0; // with what the parts are called
 
     int m_parts = 0;

@@ -3,6 +3,7 @@
 #include "auctionupload.h"
 #include "byterange.h"
 #include "effort.h"
+#include "formbody.h"
 
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -79,13 +80,13 @@ QByteArray address(MHD_Connection *connection)
     return QByteArray::number(ntohl(client.sin_addr.s_addr), 16);
 }
 
-FormBody query(MHD_Connection *connection)
+Fields query(MHD_Connection *connection)
 {
-    FormBody fields;
+    Fields fields;
     MHD_get_connection_values(
         connection, MHD_GET_ARGUMENT_KIND,
         [](void *context, MHD_ValueKind, const char *key, const char *value) {
-            static_cast<FormBody *>(context)->set(QString::fromUtf8(key), QString::fromUtf8(value));
+            static_cast<Fields *>(context)->set(QString::fromUtf8(key), QString::fromUtf8(value));
             return MHD_YES;
         },
         &fields);
@@ -210,7 +211,7 @@ private:
     // Finds out how much there is to do, and does at once what is little.
     void sort()
     {
-        m_form = FormBody::fromUrlEncoded(m_body);
+        m_form = fieldsOfForm(m_body);
         const Result<Effort> effort = m_isOperation
             ? m_service.m_operations.effort(m_operation, m_form)
             : WebSite::effort(m_method, m_path);
@@ -295,7 +296,7 @@ private:
     QByteArray m_body;
     qint64 m_bodyBytes = 0;
     qint64 m_heldBytes = 0;
-    FormBody m_form;
+    Fields m_form;
     std::unique_ptr<AuctionUpload> m_upload;
     std::optional<Failure> m_refusal;
 

@@ -215,7 +215,7 @@ QString MultipartReader::error() const
     return m_error;
 }
 
-const FormBody &MultipartReader::fields() const
+const Fields &MultipartReader::fields() const
 {
     return m_fields;
 }

@@ -1,5 +1,6 @@
 #include "accounts.h"
 
+#include "alerts.h"
 #include "localclock.h"
 #include "mailoutbox.h"
 #include "passwords.h"
@@ -56,7 +57,7 @@ Result<void> checkPasswords(const QString &password1, const QString &password2)
     return {};
 }
 
-Result<void> checkAccount(const FormBody &form)
+Result<void> checkAccount(const Fields &form)
 {
     for (const FieldRule &rule : accountFields) {
         const Result<void> checked = checkField(rule, form.text(QLatin1String(rule.name)));
@@ -134,7 +135,7 @@ Result<qint64> Accounts::login(const QString &username, const QString &password,
     return member;
 }
 
-Result<qint64> Accounts::create(const FormBody &form)
+Result<qint64> Accounts::create(const Fields &form)
 {
     const Result<void> checked = checkAccount(form);
     if (!checked.isOk())
@@ -165,7 +166,7 @@ Result<qint64> Accounts::create(const FormBody &form)
     return stored.isOk() ? Result<qint64>(member) : stored.failure();
 }
 
-Result<qint64> Accounts::modify(const FormBody &form, const QByteArray &address)
+Result<qint64> Accounts::modify(const Fields &form, const QByteArray &address)
 {
     const Result<qint64> member = login(form.text(QStringLiteral("Username")),
                                         form.text(QStringLiteral("Password")), address);
@@ -232,12 +233,8 @@ Result<void> Accounts::mailPasswordLink(const QString &nameOrEmail, const QStrin
             QStringLiteral("INSERT INTO password_links (secret, member, expires) VALUES (?, ?, ?)"),
             {QString::fromLatin1(fingerprint(secret)), member.at(0), now + linkSeconds});
         MailOutbox::send(
-            session, member.at(2).toString(), QStringLiteral("Your new password"),
-            QStringLiteral(
-                "Hello %1,\n\nsomebody, probably you, asked for a new password. Choose one "
-                "here within the hour:\n\n%2\n\nIf it was not you, nothing has changed and "
-                "there is nothing to do.\n")
-                .arg(member.at(1).toString(), address + QString::fromLatin1(secret)));
+            session, member.at(2).toString(), PasswordMail::subject(),
+            PasswordMail::text(member.at(1).toString(), address + QString::fromLatin1(secret)));
     }
     return session.commit();
 }

@@ -8,7 +8,7 @@ namespace {
 
 // An optional price: empty and, since devices send 1 for a reserve that is not set, a reserve of 1
 // mean 0. -1 = no price.
-qint64 optionalPrice(const FormBody &form, const QString &name, qint64 meaningNone)
+qint64 optionalPrice(const Fields &form, const QString &name, qint64 meaningNone)
 {
     if (form.text(name).isEmpty())
         return 0;
@@ -84,7 +84,7 @@ Result<void> AuctionUpload::check() const
 
 Auctions::NewAuction AuctionUpload::auction() const
 {
-    const FormBody &form = m_reader.fields();
+    const Fields &form = m_reader.fields();
     Auctions::NewAuction auction;
     auction.category =
         form.number(QStringLiteral("CategoryID"), std::numeric_limits<qint32>::max());

@@ -4,7 +4,7 @@
 #include "auctions.h"
 #include "datafolder.h"
 #include "effort.h"
-#include "formbody.h"
+#include "fields.h"
 #include "pictures.h"
 
 #include <QByteArray>
@@ -31,9 +31,9 @@ public:
                const DataFolder &folder);
 
     /** What is asked from @p address. */
-    Reply answer(const QString &operation, const FormBody &form, const QByteArray &address);
+    Reply answer(const QString &operation, const Fields &form, const QByteArray &address);
     /** What answer() will take. */
-    Result<Effort> effort(const QString &operation, const FormBody &form);
+    Result<Effort> effort(const QString &operation, const Fields &form);
 
     static Reply refusal(const Failure &failure);
     /** The number alone, or the refusal. */
@@ -42,22 +42,22 @@ public:
     static QByteArray item(const QString &text);
 
 private:
-    using Member = Reply (Operations::*)(qint64 member, const FormBody &form);
+    using Member = Reply (Operations::*)(qint64 member, const Fields &form);
 
-    Reply validateLogin(const FormBody &form, const QByteArray &address);
-    Reply createAccount(const FormBody &form);
-    Reply modifyAccount(const FormBody &form, const QByteArray &address);
-    Result<qint64> login(const FormBody &form, const QByteArray &address);
-    Reply categories(qint64 member, const FormBody &form);
-    Reply notificationOptions(qint64 member, const FormBody &form);
-    Reply setNotificationOptions(qint64 member, const FormBody &form);
-    Reply myAuctions(qint64 member, const FormBody &form);
-    Reply modifyAuction(qint64 member, const FormBody &form);
-    Reply thumbnail(qint64 member, const FormBody &form);
-    Reply rawMedia(qint64 member, const FormBody &form);
+    Reply validateLogin(const Fields &form, const QByteArray &address);
+    Reply createAccount(const Fields &form);
+    Reply modifyAccount(const Fields &form, const QByteArray &address);
+    Result<qint64> login(const Fields &form, const QByteArray &address);
+    Reply categories(qint64 member, const Fields &form);
+    Reply notificationOptions(qint64 member, const Fields &form);
+    Reply setNotificationOptions(qint64 member, const Fields &form);
+    Reply myAuctions(qint64 member, const Fields &form);
+    Reply modifyAuction(qint64 member, const Fields &form);
+    Reply thumbnail(qint64 member, const Fields &form);
+    Reply rawMedia(qint64 member, const Fields &form);
 
     /** The auction named by the form, if it is this member's. */
-    Result<Auctions::Auction> ownAuction(qint64 member, const FormBody &form);
+    Result<Auctions::Auction> ownAuction(qint64 member, const Fields &form);
 
     Accounts &m_accounts;
     Auctions &m_auctions;

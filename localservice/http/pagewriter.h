@@ -1,7 +1,7 @@
 #pragma once
 
 #include "auctions.h"
-#include "formbody.h"
+#include "fields.h"
 #include "mailoutbox.h"
 
 #include <QByteArray>
@@ -28,7 +28,7 @@ public:
     QByteArray auctions(const Auctions::Page &onSale, const Auctions::Search &search,
                         const QList<Auctions::Auction> &ended) const;
     QByteArray auction(const Auctions::Auction &auction, const QList<Auctions::Bid> &bids,
-                       const Notice &notice, const FormBody &typed) const;
+                       const Notice &notice, const Fields &typed) const;
     /** Links in the mails that begin with @p ownAddress can be clicked. */
     QByteArray outbox(const QList<MailOutbox::Mail> &mails, const QString &ownAddress) const;
     QByteArray forgottenPassword(const Notice &notice) const;
@@ -36,9 +36,9 @@ public:
     QByteArray message(const QString &title, const QString &text) const;
 
 private:
-    QString bidForm(const Auctions::Auction &auction, const FormBody &typed) const;
-    QString buyForm(const Auctions::Auction &auction, const FormBody &typed) const;
-    QString questionForm(const Auctions::Auction &auction, const FormBody &typed) const;
+    QString bidForm(const Auctions::Auction &auction, const Fields &typed) const;
+    QString buyForm(const Auctions::Auction &auction, const Fields &typed) const;
+    QString questionForm(const Auctions::Auction &auction, const Fields &typed) const;
     QString formStart(const QString &action) const;
 
     QString m_token;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "database.h"
-#include "formbody.h"
+#include "fields.h"
 #include "loginbrake.h"
 #include "loginmemory.h"
 #include "result.h"
@@ -39,9 +39,9 @@ public:
     Result<bool> isRemembered(const QString &username, const QString &password);
 
     /** A new member from the fields of an account form; the member's number. */
-    Result<qint64> create(const FormBody &form);
+    Result<qint64> create(const Fields &form);
     /** New e-mail, payment address and password for the member who logs in with the form. */
-    Result<qint64> modify(const FormBody &form, const QByteArray &address);
+    Result<qint64> modify(const Fields &form, const QByteArray &address);
 
     Result<AlertOptions> alertOptions(qint64 member);
     Result<void> setAlertOptions(qint64 member, const AlertOptions &options);

@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 /**
  * The auctions with their bids, from creation to their end after seven days.
  *
@@ -122,6 +124,11 @@ public:
     Result<void> endDue();
 
 private:
+    /** What is done to an auction in one session; one with number 0 = there is none. */
+    using Step = std::function<Result<void>(Database::Session &, const Auction &)>;
+
+    /** Ends what is due, reads the auction, and commits what @p step has done unless it fails. */
+    Result<void> change(qint64 auction, const Step &step);
     Result<QList<Auction>> select(const QString &condition, const QVariantList &values);
     Result<void> recordEnds();
 

@@ -4,7 +4,7 @@
 #include "auctions.h"
 #include "datafolder.h"
 #include "effort.h"
-#include "formbody.h"
+#include "fields.h"
 #include "mailoutbox.h"
 #include "ownaddress.h"
 #include "pagewriter.h"
@@ -25,8 +25,8 @@ public:
     {
         QByteArray method; ///< "GET", "HEAD" or "POST"
         QString path;
-        FormBody query;
-        FormBody form;
+        Fields query;
+        Fields form;
         QByteArray cookies;
         QByteArray host;
         OwnAddress::Asker asker = OwnAddress::ForeignHost;
@@ -57,7 +57,7 @@ private:
     Reply auctionPage(const Request &request, const VisitorToken &visitor);
     /** The page of an auction, with what was typed into its forms. */
     Reply auctionReply(qint64 id, const VisitorToken &visitor, const PageWriter::Notice &notice,
-                       const FormBody &typed, int status);
+                       const Fields &typed, int status);
     Reply outboxPage(const Request &request, const VisitorToken &visitor);
     Reply passwordPage(const Request &request, const VisitorToken &visitor);
     Reply thumbnail(const Request &request);
