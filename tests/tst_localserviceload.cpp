@@ -1,10 +1,12 @@
 #include "localserviceprocess.h"
+#include "processmemory.h"
 #include "testcase.h"
 #include "testmain.h"
 #include "uploadrequest.h"
 
+#include <QBuffer>
 #include <QDir>
-#include <QElapsedTimer>
+#include <QImageWriter>
 #include <QTcpSocket>
 
 #include <sys/resource.h>
@@ -32,6 +34,7 @@ private slots:
     void manyFieldsAreNotKept();
     void manyLargeUploadsAtOnceAllBecomeAuctions();
     void aLargeClipGoesToTheDisk();
+    void aPhotoThatHasToBeUnpackedWholeIsNot();
     void othersDoNotWaitForPictures();
     void guessesAreHeldBackAndTheRightPasswordIsNot();
 
@@ -39,6 +42,7 @@ private:
     using Socket = std::unique_ptr<QTcpSocket>;
 
     Socket connected() const;
+    static QByteArray progressivePhoto(int edge);
     QByteArray formHeader(const QByteArray &operation, qint64 length) const;
     bool isAnswered();
 
@@ -284,6 +288,43 @@ void tst_LocalServiceLoad::aLargeClipGoesToTheDisk()
     const LocalServiceProcess::Reply clip = service.post("GetRawMedia", login + "&AuctionID=1");
     QCOMPARE(clip.type, QByteArray("video/mp4"));
     QVERIFY(clip.body == upload.media);
+}
+
+// Its reader keeps all of it, in two bytes for each pixel, until the last pass is there.
+QByteArray tst_LocalServiceLoad::progressivePhoto(int edge)
+{
+    QImage picture(edge, edge, QImage::Format_Grayscale8);
+    picture.fill(Qt::lightGray);
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QImageWriter writer(&buffer, "JPEG");
+    writer.setProgressiveScanWrite(true);
+    return writer.write(picture) ? bytes : QByteArray();
+}
+
+void tst_LocalServiceLoad::aPhotoThatHasToBeUnpackedWholeIsNot()
+{
+    LocalServiceProcess service;
+    QVERIFY(service.start());
+    QVERIFY(service
+                .post("CreateAccount",
+                      "Password2=secret&Username=m1&Password1=secret&EmailAddress=m1@example.org")
+                .body.toInt()
+            > 0);
+    UploadRequest upload;
+    for (const int edge : {4000, 11000}) {
+        upload.media = progressivePhoto(edge);
+        QVERIFY(service.send(upload.bytes(service.host())).body.toInt() > 0);
+    }
+    const auto thumbnail = [&service](const char *id) {
+        return QImage::fromData(service.post("GetThumbnail", login + "&AuctionID=" + id).body);
+    };
+    QCOMPARE(thumbnail("1").size(), QSize(220, 220));
+    const qint64 before = peakMemoryOf(service.processId());
+    QCOMPARE(thumbnail("2").size(), QSize(220, 165)); // the drawn one
+    // Its 121 million pixels would be 242 MB.
+    QVERIFY(peakMemoryOf(service.processId()) - before < 80L * 1024);
+    QCOMPARE(service.post("GetRawMedia", login + "&AuctionID=2").body, upload.media);
 }
 
 void tst_LocalServiceLoad::othersDoNotWaitForPictures()

@@ -76,6 +76,9 @@ Pictures::Pictures(const DataFolder &folder)
     , m_cache(cacheBytes)
 {
     QImageReader::setAllocationLimit(mostMegabytes);
+    // A progressive photo is unpacked whole by the reader of its format before it is scaled,
+    // outside of that limit. What would be too large is not read then.
+    qputenv("JPEGMEM", QByteArray::number(mostMegabytes) + 'M');
 }
 
 Pictures::Picture Pictures::thumbnail(const QString &media, int edge)
