@@ -2,24 +2,24 @@
 
 #include "qhttpresponseheader.h"
 
-#include <QByteArray>
 #include <QObject>
-#include <QPointer>
 #include <QString>
 
+class CurlLoop;
+class HttpTransfer;
 class QAuthenticator;
+class QByteArray;
 class QHttpRequestHeader;
 class QIODevice;
-class QNetworkReply;
 
 /**
  * A plain HTTP/1.1 client for one request at a time.
  *
  * Its owner sets the host once and then sends requests. It follows no redirect, keeps no cookies,
  * caches nothing and hands the body on as it came, without decompressing it. The status code
- * never counts as an error. Fields leave in the order in which they were set, and in their spelling
- * up to Qt 6.6; later releases send all names in lower case. Whatever the server does, a request
- * goes out once: where a connection breaks, the request fails instead of being repeated.
+ * never counts as an error. Fields leave in the order in which they were set and in their spelling.
+ * Whatever the server does, a request goes out once: where a connection breaks, the request fails
+ * instead of being repeated.
  *
  * A request that is made while an earlier one is under way takes its place: the earlier one runs
  * to its end, but nothing more is heard of it.
@@ -71,22 +71,19 @@ signals:
 
 private:
     void leaveCurrent();
-    void send(const QHttpRequestHeader &header, const QByteArray &body);
-    void finishLater();
-    void readHeader();
-    void readBody();
-    void stop(const QString &reason);
-    void finish(int id);
+    void send(const QHttpRequestHeader &header, const QByteArray &body, QIODevice *sink);
+    void reportHeader(const QHttpResponseHeader &header);
+    quint16 usedPort() const;
+    void finishLater(const QString &errorText);
+    void finish(int id, const QString &errorText);
 
     QString m_hostName;
     ConnectionMode m_mode = ConnectionModeHttp;
     quint16 m_port = 0;
-    QByteArray m_credentials;
+    QString m_credentials;
+    CurlLoop *const m_loop;
     int m_lastId = 0;
-    int m_currentId = 0;              // 0 = nothing under way
-    QNetworkReply *m_reply = nullptr; // of the current request; owned by a manager of its own
-    QPointer<QIODevice> m_sink;
-    bool m_headerRead = false;
-    QString m_stopReason;
+    int m_currentId = 0;                // 0 = nothing under way
+    HttpTransfer *m_transfer = nullptr; // of the current request
     QString m_errorText;
 };

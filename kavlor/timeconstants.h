@@ -12,6 +12,7 @@ struct TimeConstants
     int exitDelay = 20;          ///< from the decision to end the program to the end
     int progressStep = 350;      ///< one step of a progress strip
     int connectionWait = 35000;  ///< for the network connection to come up
+    int reachWait = 30000;       ///< for the service to take a connection
     int formTimeout = 10000;     ///< for the reply to a form request
     int uploadTimeout = 1800000; ///< for the reply to an upload
     int rotationDelay = 50;      ///< before a preview is turned

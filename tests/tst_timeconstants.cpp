@@ -20,6 +20,7 @@ void tst_TimeConstants::programWaitsForTheseTimes()
     QCOMPARE(times.progressStep, 350);
     QCOMPARE(times.exitDelay, 20);
     QCOMPARE(times.connectionWait, 35000);
+    QCOMPARE(times.reachWait, 30000);
     QCOMPARE(times.formTimeout, 10000);
     QCOMPARE(times.uploadTimeout, 1800000);
     QCOMPARE(times.rotationDelay, 50);

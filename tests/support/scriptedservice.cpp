@@ -2,9 +2,7 @@
 
 #include "testconstants.h"
 
-#include <QLibraryInfo>
 #include <QTcpSocket>
-#include <QVersionNumber>
 
 #include <utility>
 
@@ -56,22 +54,6 @@ QByteArray ScriptedService::Request::header(const QByteArray &name) const
             return line.mid(colon + 1).trimmed();
     }
     return {};
-}
-
-QByteArray ScriptedService::asSent(const QByteArray &request)
-{
-    if (QLibraryInfo::version() < QVersionNumber(6, 7))
-        return request;
-    // One line alone is taken for one, too.
-    const qsizetype found = request.indexOf(headerEnd());
-    const qsizetype end = found < 0 ? request.size() : found;
-    QByteArrayList lines = request.left(end).replace("\r\n", "\n").split('\n');
-    for (QByteArray &line : lines) {
-        const qsizetype colon = line.indexOf(':');
-        if (colon > 0)
-            line = line.left(colon).toLower() + line.mid(colon);
-    }
-    return lines.join("\r\n") + request.mid(end);
 }
 
 QByteArray ScriptedService::Request::operation() const

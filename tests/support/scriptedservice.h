@@ -69,12 +69,6 @@ public:
     static QByteArray reply(const QByteArray &body, const QByteArray &contentType = "text/plain",
                             const QByteArray &status = "200 OK");
 
-    /**
-     * The bytes of a request as this release of the toolkit sends them: from Qt 6.7 on the names of
-     * the fields are in lower case.
-     */
-    static QByteArray asSent(const QByteArray &request);
-
     /** The next request is for @p operation and gets @p body as text/plain with status 200. */
     void expect(const QByteArray &operation, const QByteArray &body);
     void expect(const Step &step);
