@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "accounts.h"
 #include "auctions.h"
 #include "database.h"

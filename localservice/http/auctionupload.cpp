@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "auctionupload.h"
 
 #include "mediatypes.h"

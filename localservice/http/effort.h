@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 /** What there is to do for a request, and thereby whom it may hold up. */

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "httpservice.h"
 
 #include "auctionupload.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "operations.h"
 
 #include "categories.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "pagewriter.h"
 
 #include "categories.h"

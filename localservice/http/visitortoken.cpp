@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "visitortoken.h"
 
 #include "passwords.h"

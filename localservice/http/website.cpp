@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "website.h"
 
 #include "categories.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "workers.h"
 
 Workers::Workers(int threads)

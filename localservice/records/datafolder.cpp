@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "datafolder.h"
 
 #include "database.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "passwords.h"
 
 #include <sodium.h>

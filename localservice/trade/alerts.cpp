@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "alerts.h"
 
 Alert Alert::bid(const QString &bidder, qint64 amount)

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "auctions.h"
 
 #include "alerts.h"

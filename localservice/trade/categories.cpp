@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "categories.h"
 
 #include <algorithm>

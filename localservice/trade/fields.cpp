@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "fields.h"
 
 #include <algorithm>

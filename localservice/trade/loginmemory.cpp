@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "loginmemory.h"
 
 #include "passwords.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "seed.h"
 
 #include "localclock.h"
