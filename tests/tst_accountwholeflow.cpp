@@ -1,3 +1,4 @@
+#include "dostep.h"
 #include "testcase.h"
 #include "testmain.h"
 #include "wholesystem.h"
@@ -99,7 +100,6 @@ bool tst_AccountWholeFlow::changeAccount()
 void tst_AccountWholeFlow::anAccountIsMadeUsedAndChanged()
 {
     ClientDriver &client = *m_system.client;
-#define DO(step) QVERIFY2(step, qPrintable(client.error()))
     DO(client.start());
     DO(createAccount());
     DO(m_system.prepareUpload(m_system.makePhoto(Qt::darkCyan), QStringLiteral("A first photo")));
@@ -134,7 +134,6 @@ void tst_AccountWholeFlow::anAccountIsMadeUsedAndChanged()
     DO(client.click(name("loginButton")));
     DO(client.waitForText(name("labelWelcome"), member));
     DO(client.close());
-#undef DO
 
     QVERIFY(databaseHolds(member.toUtf8())); // the search finds what is there
     QVERIFY(!databaseHolds(oldPassword.toUtf8()));

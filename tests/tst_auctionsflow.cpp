@@ -1,5 +1,6 @@
 #include "auctionrow.h"
 #include "auctionstrip.h"
+#include "dostep.h"
 #include "fonts.h"
 #include "testcase.h"
 #include "testmain.h"
@@ -87,7 +88,6 @@ void tst_AuctionsFlow::aMemberSeesTheBidOfAVisitorAndChangesThePrices()
 {
     ClientDriver &client = *m_system.client;
     const QString table = name("myAuctionsTable");
-#define DO(step) QVERIFY2(step, qPrintable(client.error()))
     DO(client.start());
     DO(m_system.logIn(QStringLiteral("demo"), QStringLiteral("demo")));
     DO(m_system.prepareUpload(m_system.makePhoto(ground), title()));
@@ -133,7 +133,6 @@ void tst_AuctionsFlow::aMemberSeesTheBidOfAVisitorAndChangesThePrices()
     QCOMPARE(client.closeBox(), QStringLiteral("Your auction has been updated successfully."));
     DO(client.waitFor(table));
     DO(client.close());
-#undef DO
 
     const QList<QVariantList> prices = m_system.service.query(
         QStringLiteral("SELECT reserve_price, buy_price FROM auctions WHERE id = ?"), {auction});

@@ -1,3 +1,4 @@
+#include "dostep.h"
 #include "testcase.h"
 #include "testmain.h"
 #include "wholesystem.h"
@@ -43,8 +44,6 @@ private:
     int m_before = 0;
     QStringList m_mediaBefore;
 };
-
-#define DO(step) QVERIFY2(step, qPrintable(m_system.client->error()))
 
 namespace {
 

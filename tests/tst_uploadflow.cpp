@@ -1,3 +1,4 @@
+#include "dostep.h"
 #include "testcase.h"
 #include "testmain.h"
 #include "wholesystem.h"
@@ -42,39 +43,38 @@ void tst_UploadFlow::aPhotoGoesFromDiskOntoAuction()
     const QString photo = m_system.makePhoto(QColor(120, 180, 220));
     QVERIFY(!photo.isEmpty());
     const QString demo = QStringLiteral("demo");
-#define DO(step) QVERIFY2(client.step, qPrintable(client.error()))
-    DO(start());
-    QVERIFY2(m_system.logIn(demo, demo), qPrintable(client.error()));
+    DO(client.start());
+    DO(m_system.logIn(demo, demo));
 
-    DO(click(name("buttonUpload")));
-    DO(click(name("photoClicker")));
-    DO(chooseFile(photo));
-    DO(type(name("lineCaption"), QStringLiteral("evening at the \"lake\" <b>")));
-    DO(waitForText(name("lineCaption"), QStringLiteral("Evening at the \"lake\" <b>")));
-    DO(type(name("textDescription"), QStringLiteral("a")));
-    DO(click(name("doneButton")));
+    DO(client.click(name("buttonUpload")));
+    DO(client.click(name("photoClicker")));
+    DO(client.chooseFile(photo));
+    DO(client.type(name("lineCaption"), QStringLiteral("evening at the \"lake\" <b>")));
+    DO(client.waitForText(name("lineCaption"), QStringLiteral("Evening at the \"lake\" <b>")));
+    DO(client.type(name("textDescription"), QStringLiteral("a")));
+    DO(client.click(name("doneButton")));
 
     // Places has Nature below it, and that has Seaside.
-    DO(clickCell(name("categoriesTable"), 5, 1));
-    DO(waitForText(name("categorySelected"), QStringLiteral("Places")));
-    DO(clickCell(name("categoriesTable"), 1, 1));
-    DO(waitForText(name("categorySelected"), QStringLiteral("Nature")));
-    DO(clickCell(name("categoriesTable"), 1, 1));
+    DO(client.clickCell(name("categoriesTable"), 5, 1));
+    DO(client.waitForText(name("categorySelected"), QStringLiteral("Places")));
+    DO(client.clickCell(name("categoriesTable"), 1, 1));
+    DO(client.waitForText(name("categorySelected"), QStringLiteral("Nature")));
+    DO(client.clickCell(name("categoriesTable"), 1, 1));
 
-    DO(type(name("startPrice"), QStringLiteral("12")));
-    DO(type(name("reservePrice"), QStringLiteral("40")));
-    DO(type(name("buyItNowPrice"), QStringLiteral("95")));
-    DO(click(name("finalizeButton")));
-    DO(waitForText(name("auctionOverallInfo"), QStringLiteral("Places>Nature>Seaside")));
-    DO(waitForText(name("auctionOverallInfo"), QStringLiteral("Evening at the \"lake\" <b>")));
-    DO(click(name("createAuctionButton")));
-    DO(waitForText(
+    DO(client.type(name("startPrice"), QStringLiteral("12")));
+    DO(client.type(name("reservePrice"), QStringLiteral("40")));
+    DO(client.type(name("buyItNowPrice"), QStringLiteral("95")));
+    DO(client.click(name("finalizeButton")));
+    DO(client.waitForText(name("auctionOverallInfo"), QStringLiteral("Places>Nature>Seaside")));
+    DO(client.waitForText(name("auctionOverallInfo"),
+                          QStringLiteral("Evening at the \"lake\" <b>")));
+    DO(client.click(name("createAuctionButton")));
+    DO(client.waitForText(
         name("alertLabel"),
         QStringLiteral("Your media has been successfully placed in the kavlor auction")));
-    DO(click(name("buttonOk")));
-    DO(waitFor(name("checkBoxOnBid"))); // on to the alert options
-    DO(close());
-#undef DO
+    DO(client.click(name("buttonOk")));
+    DO(client.waitFor(name("checkBoxOnBid"))); // on to the alert options
+    DO(client.close());
 
     const QList<QVariantList> rows = m_system.service.query(QStringLiteral(
         "SELECT m.username, a.title, a.description, a.category, a.start_price, a.reserve_price,"
