@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // How fast the local service takes a photo of 5 MB, against nginx that only writes the same bytes
 // into a file. The service also reads the form and syncs photo and record before it answers.
 // Without an nginx on this machine there is nothing to compare with, and only the service's own
