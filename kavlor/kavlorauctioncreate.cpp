@@ -6,6 +6,12 @@
 #include "startfocus.h"
 #include "ui_kavlorauctioncreate.h"
 
+namespace {
+
+constexpr int wideSpacing = 28; // pixels
+
+} // namespace
+
 CKavlorAuctionCreate::CKavlorAuctionCreate(int reserve, int buyItNow, int start, QWidget *parent)
     : QFrame(parent)
     , m_ui(std::make_unique<Ui::CKavlorAuctionCreate>())
@@ -13,8 +19,10 @@ CKavlorAuctionCreate::CKavlorAuctionCreate(int reserve, int buyItNow, int start,
     m_ui->setupUi(this);
     auto *scale = new RoomScale(this);
     // The prices share a page that is higher than the handheld's.
-    scale->apply(
-        [this](qreal factor) { m_ui->whole->setStretchFactor(m_ui->prices, factor > 1 ? 2 : 0); });
+    scale->apply([this](qreal factor) {
+        if (factor > 1)
+            m_ui->prices->setVerticalSpacing(qRound(wideSpacing * factor));
+    });
     new StartFocus(this, m_ui->startPrice);
     m_ui->reservePrice->setValue(reserve);
     m_ui->buyItNowPrice->setValue(buyItNow);

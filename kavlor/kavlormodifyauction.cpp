@@ -7,6 +7,13 @@
 #include "startfocus.h"
 #include "ui_kavlormodifyauction.h"
 
+namespace {
+
+constexpr int thumbnailSide = 176; // pixels, as in the form
+constexpr int thumbnailGrowth = 240;
+
+} // namespace
+
 CKavlorModifyAuction::CKavlorModifyAuction(CKavlorUser *user, int auctionId,
                                            const CAuctionRow &auction, QWidget *parent)
     : QFrame(parent)
@@ -34,11 +41,13 @@ CKavlorModifyAuction::~CKavlorModifyAuction() = default;
 
 void CKavlorModifyAuction::showThumbnail(qreal scale)
 {
+    // It takes more than its share of a larger room.
+    const int side = qRound(thumbnailSide * scale + (scale - 1) * thumbnailGrowth);
+    m_ui->photoThumb->setFixedSize(side, side);
     if (m_auction.thumbnail.isNull())
         return;
-    // Of the size that the label is kept at.
     m_ui->photoThumb->setPixmap(
-        m_auction.thumbnail.scaled(m_ui->photoThumb->maximumSize(), Qt::KeepAspectRatio,
+        m_auction.thumbnail.scaled(m_ui->photoThumb->size(), Qt::KeepAspectRatio,
                                    scale == 1 ? Qt::FastTransformation : Qt::SmoothTransformation));
 }
 

@@ -1,5 +1,6 @@
 #include "mediapreview.h"
 
+#include "drawings.h"
 #include "photofile.h"
 #include "timeconstants.h"
 
@@ -9,6 +10,7 @@
 #include <QPixmap>
 #include <QPixmapCache>
 #include <QResizeEvent>
+#include <QScreen>
 #include <QTransform>
 
 namespace {
@@ -20,6 +22,12 @@ bool isSideways(const QSize &image, const QSize &preview)
     const bool previewIsPortrait = preview.height() > preview.width();
     const bool previewIsLandscape = preview.width() > preview.height();
     return (imageIsPortrait && previewIsLandscape) || (imageIsLandscape && previewIsPortrait);
+}
+
+const QTransform &clockwise()
+{
+    static const QTransform turn = QTransform().rotate(90);
+    return turn;
 }
 
 QPixmap paintVideoIcon(const QSize &size)
@@ -47,7 +55,9 @@ MediaPreview::MediaPreview(QWidget *parent)
 
 void MediaPreview::showPrompt()
 {
-    static const QImage background(QStringLiteral(":/UploadBG.png"));
+    static const QImage plain(QStringLiteral(":/UploadBG.png"));
+    static const QImage large(largeDrawing(QStringLiteral(":/UploadBG.png")));
+    const QImage &background = width() > plain.width() ? large : plain;
     m_rotationTimer.stop();
     m_showsPrompt = true;
     setPixmap(QPixmap::fromImage(
@@ -64,6 +74,9 @@ bool MediaPreview::showPhoto(const QString &fileName)
         return false;
 
     m_showsPrompt = false;
+    m_photoFile = fileName;
+    m_large = QPixmap();
+    m_isTurned = false;
     m_photoTextKeys = photo.image.textKeys();
     m_photoSize = photo.originalSize;
     setPixmap(QPixmap::fromImage(photo.image));
@@ -76,6 +89,8 @@ void MediaPreview::showClip()
 {
     m_rotationTimer.stop();
     m_showsPrompt = false;
+    m_photoFile.clear();
+    m_large = QPixmap();
     const QString key = QStringLiteral(":/videoicon.png");
     QPixmap icon;
     if (!QPixmapCache::find(key, &icon)) {
@@ -96,10 +111,41 @@ void MediaPreview::resizeEvent(QResizeEvent *event)
     QLabel::resizeEvent(event);
     if (m_showsPrompt)
         showPrompt();
+    else if (height() > m_shownSize.height() && m_large.isNull())
+        readLargePhoto();
+}
+
+// Once, as large as any window of this screen can need it.
+void MediaPreview::readLargePhoto()
+{
+    const int height = screen()->size().height();
+    const ShownPhoto photo = readPhoto(m_photoFile, QSize(height, height));
+    m_large = QPixmap::fromImage(photo.image);
+    if (m_isTurned)
+        m_large = m_large.transformed(clockwise());
+}
+
+void MediaPreview::paintEvent(QPaintEvent *event)
+{
+    if (m_showsPrompt || size() == m_shownSize) {
+        QLabel::paintEvent(event);
+        return;
+    }
+    const QPixmap own = pixmap();
+    const bool hasGrown = height() > m_shownSize.height();
+    const QPixmap &shown = hasGrown && !m_large.isNull() ? m_large : own;
+    const QSizeF grown = own.deviceIndependentSize() * height() / m_shownSize.height();
+    QRectF place({}, grown.scaled(grown.boundedTo(size()), Qt::KeepAspectRatio));
+    place.moveCenter(QRectF(rect()).center());
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawPixmap(place, shown, shown.rect());
 }
 
 void MediaPreview::rotate()
 {
-    static const QTransform clockwise = QTransform().rotate(90);
-    setPixmap(pixmap().transformed(clockwise));
+    m_isTurned = true;
+    setPixmap(pixmap().transformed(clockwise()));
+    if (!m_large.isNull())
+        m_large = m_large.transformed(clockwise());
 }

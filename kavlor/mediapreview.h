@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLabel>
+#include <QPixmap>
 #include <QSize>
 #include <QStringList>
 #include <QTimer>
@@ -23,20 +24,25 @@ public:
     void showClip();
 
     /**
-     * Photos and clips are shown in the size that the preview has at the first call, whatever
-     * becomes of it later.
+     * Photos and clips are made for the size that the preview has at the first call. When it
+     * becomes another they are shown larger or smaller with it, pixmap() stays as it is.
      */
     void keepSize();
 
 protected:
+    void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 
 private:
     void rotate();
+    void readLargePhoto();
 
     bool m_showsPrompt = true;
     QSize m_shownSize; // at the first keepSize()
+    QString m_photoFile;
     QSize m_photoSize; // in its file
+    QPixmap m_large;   // the photo for a preview that has grown; null until then
+    bool m_isTurned = false;
     QStringList m_photoTextKeys;
     QTimer m_rotationTimer;
 };

@@ -6,6 +6,7 @@
 #include "kavlorcategorystore.h"
 #include "kavlorknownuser.h"
 #include "notificationscontroller.h"
+#include "picturecomparison.h"
 #include "processmemory.h"
 #include "progressivemodel.h"
 #include "rootwindow.h"
@@ -371,6 +372,7 @@ private slots:
 
     void photosStandUprightInAnyWindow_data();
     void photosStandUprightInAnyWindow();
+    void aChosenPhotoFollowsTheWindow();
     void thePromptPictureIsWholeInAnyWindow_data();
     void thePromptPictureIsWholeInAnyWindow();
     void previewIsScaledIntoASquareOfThePreviewsHeight_data();
@@ -827,6 +829,33 @@ void tst_UploadMediaController::photosStandUprightInAnyWindow()
     QVERIFY(driver.previewSize().width() > driver.previewSize().height());
     QCOMPARE(QRect(QPoint(), driver.previewSize()).united(shown.rect()).size(),
              driver.previewSize());
+}
+
+void tst_UploadMediaController::aChosenPhotoFollowsTheWindow()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    driver.window.root()->resize(1280, 800);
+    emit driver.wizard->pictureIsChosen(driver.makePhoto(QStringLiteral("a.png"), 400, 300));
+    const QPixmap chosen = driver.preview();
+    const QImage before = driver.window.picture("photoLabel");
+    for (const QSize &size : {QSize(800, 424), QSize(1920, 1080)}) {
+        driver.window.root()->resize(size);
+        QCoreApplication::processEvents();
+        // The whole photo, of which a quarter is red, in the same part of the preview.
+        const QImage label = driver.window.picture("photoLabel");
+        const int side = label.height();
+        const QRect photo(label.width() / 2 - side / 2, side / 8, side, side * 3 / 4);
+        QCOMPARE(label.pixelColor(photo.topLeft() + QPoint(4, 4)), QColor(Qt::red));
+        QCOMPARE(label.pixelColor(photo.center() - QPoint(4, 4)), QColor(Qt::red));
+        QCOMPARE(label.pixelColor(photo.center() + QPoint(4, 4)), QColor(Qt::blue));
+        QCOMPARE(label.pixelColor(photo.bottomRight() - QPoint(4, 4)), QColor(Qt::blue));
+        QVERIFY(label.pixelColor(photo.left() - 6, side / 2) != QColor(Qt::red));
+        QCOMPARE(driver.preview().toImage(), chosen.toImage());
+    }
+    driver.window.root()->resize(1280, 800);
+    QCoreApplication::processEvents();
+    QCOMPARE(pictureDifference(driver.window.picture("photoLabel"), before), QString());
 }
 
 void tst_UploadMediaController::thePromptPictureIsWholeInAnyWindow_data()
