@@ -10,10 +10,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPushButton>
-#include <QScreen>
 #include <QSet>
 #include <QSpinBox>
 #include <QTabBar>
@@ -87,16 +87,34 @@ QJsonObject soon(QObject *context, Function function)
     return done();
 }
 
+// The program's one window that is no dialog.
+QWidget *mainWindow()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows) {
+        if (window->isVisible() && window->windowType() == Qt::Window)
+            return window;
+    }
+    return nullptr;
+}
+
+// The window with the dialog that is open over it, whole even on a screen of another size.
 QPixmap picture()
 {
-    QWidget *window = inputWindow();
+    QWidget *window = mainWindow();
     if (!window)
         return {};
-    QScreen *screen = window->screen();
-    const QPixmap onScreen = screen->grabWindow(0);
-    if (!onScreen.isNull() && QGuiApplication::platformName() != QLatin1String("offscreen"))
-        return onScreen;
-    return window->grab();
+    QPixmap picture = window->grab();
+    QWidget *dialog = QApplication::activeModalWidget();
+    if (!dialog)
+        return picture;
+    QRect place(dialog->pos() - window->pos(), dialog->size());
+    if (!window->rect().contains(place))
+        place.moveCenter(window->rect().center());
+    QPainter painter(&picture);
+    painter.fillRect(place.adjusted(-2, -2, 2, 2), QColor(60, 60, 60));
+    painter.drawPixmap(place, dialog->grab());
+    return picture;
 }
 
 // Whether the cell shows more than plain areas and text, as a photo does.
@@ -180,7 +198,11 @@ QJsonObject Driver::run(const QJsonObject &command)
         });
     }
     if (action == QLatin1String("picture")) {
-        return picture().save(text) ? done() : failed(QStringLiteral("not saved: ") + text);
+        // Of a PNG, this is how little room it takes.
+        const int quality = text.endsWith(QLatin1String(".jpg")) ? 80 : 10;
+        return picture().save(text, nullptr, quality)
+            ? done()
+            : failed(QStringLiteral("not saved: ") + text);
     }
     if (action == QLatin1String("resize")) {
         inputWindow()->resize(command.value(QLatin1String("width")).toInt(),

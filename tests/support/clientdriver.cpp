@@ -248,6 +248,11 @@ bool ClientDriver::chooseFile(const QString &path)
         && key(QStringLiteral("fileNameEdit"), Qt::Key_Return);
 }
 
+bool ClientDriver::waitForBox()
+{
+    return until(command("box"));
+}
+
 QString ClientDriver::closeBox()
 {
     if (!until(command("box")))

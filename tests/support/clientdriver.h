@@ -64,7 +64,9 @@ public:
     /** Waits for a message box, closes it and returns its text; null when none came. */
     QString closeBox();
     bool resize(int width, int height);
-    /** Saves what the screen shows. */
+    /** Waits for a message box and leaves it open. */
+    bool waitForBox();
+    /** Saves what the window shows, with the dialog that is open over it. */
     bool picture(const QString &path);
 
     QString error() const;
