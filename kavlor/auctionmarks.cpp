@@ -66,10 +66,11 @@ bool fitFont(QPainter *painter, const QString &text, int width)
     return false;
 }
 
-// A part of a number would read as another one, so it is shown whole or as being beyond what fits.
+// Paints the whole number, in smaller letters where it must; one that does not fit even so is shown
+// as "99999+", because a clipped number would read as another number.
 void paintNumber(QPainter *painter, int number, int x, int width)
 {
-    // Both numbers stand at the height of the first mark's free space.
+    // Both numbers stand at the same height, that of the empty area in the picture for views.
     const int markHeight = pictures().viewed.plain.height();
     const int quarter = markHeight / 4;
     const int twelfth = markHeight / 12;

@@ -31,8 +31,8 @@ int overhang(const QFont &font, const QString &text)
     if (!line.isValid())
         return 0;
     const qreal baseline = titleBox.center().y() - line.height() / 2 + line.ascent();
-    // Its outlines, since the metrics of a font leave marks above marks out. On the screen they are
-    // rounded, by a pixel at most.
+    // From the outlines of the letters, since the metrics of a font leave out accents upon accents.
+    // The painted letters may differ from them by one pixel.
     QPainterPath outlines;
     outlines.addText(0, baseline, font, text);
     return qMax(0, 1 - qFloor(outlines.boundingRect().top()));

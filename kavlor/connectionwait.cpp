@@ -83,7 +83,7 @@ bool ConnectionWait::isStateComing() const
 
 void ConnectionWait::waitForState()
 {
-    QTimer overdue; // wakes the loop
+    QTimer overdue; // a timer and no deadline: it also wakes the event loop
     overdue.setSingleShot(true);
     overdue.setTimerType(Qt::PreciseTimer);
     overdue.start(timeConstants().stateAnswerWait);
@@ -99,7 +99,7 @@ bool ConnectionWait::eventFilter(QObject *watched, QEvent *event)
         return false;
     if (QThread::currentThread()->loopLevel() > m_loopLevel)
         return false; // a dialog runs on top of the wait and wants to be answered
-    // One that asks whether a key is a shortcut is answered with no, and the key itself follows.
+    // A ShortcutOverride asks whether the key that follows it is a shortcut: it is not kept.
     if (event->type() != QEvent::ShortcutOverride)
         m_held.append({watched, event->clone()});
     event->accept();

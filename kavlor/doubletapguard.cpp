@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int sameSpot = 40; // pixels; a finger does not come down twice on the same one
+constexpr int sameSpot = 40; // pixels: how far apart the two presses of a double tap may be
 
 } // namespace
 
@@ -30,7 +30,7 @@ bool DoubleTapGuard::eventFilter(QObject *watched, QEvent *event)
     if (press->button() != Qt::LeftButton)
         return false;
     if (press->timestamp() == m_time && position == m_position)
-        return false; // the same press, handed on
+        return false; // the same press, which the toolkit now offers to the parent widget
 
     auto *target = static_cast<QWidget *>(watched);
     const bool passes = !isSecondHalf(press) || mayPass(target);
@@ -43,7 +43,8 @@ bool DoubleTapGuard::eventFilter(QObject *watched, QEvent *event)
 
 bool DoubleTapGuard::isSecondHalf(const QMouseEvent *press) const
 {
-    const auto interval = quint64(QApplication::styleHints()->mouseDoubleClickInterval());
+    const auto interval =
+        static_cast<quint64>(QApplication::styleHints()->mouseDoubleClickInterval());
     const QPoint way = press->globalPosition().toPoint() - m_position;
     return m_time != 0 && press->timestamp() - m_time < interval
         && way.manhattanLength() <= sameSpot;

@@ -49,7 +49,7 @@ FingerScroll::FingerScroll(QAbstractScrollArea *area, Content content)
 
     m_viewport->setAttribute(Qt::WA_AcceptTouchEvents);
     m_viewport->installEventFilter(this);
-    // Whoever else moves the contents, by keys, a wheel or the bar, has the last word.
+    // When keys, a wheel or the bar move the contents, a scroll by finger that still rolls ends.
     for (const QScrollBar *bar : {area->horizontalScrollBar(), area->verticalScrollBar()}) {
         connect(bar, &QScrollBar::valueChanged, this, &FingerScroll::giveWay);
     }
@@ -83,7 +83,7 @@ bool FingerScroll::touched(QTouchEvent *event)
 {
     if (event->type() == QEvent::TouchBegin) {
         if (m_content == Text && !hasMoreThanFits(m_area))
-            return false; // and so it comes again as a mouse
+            return false; // the toolkit then makes mouse events of the touch
         m_finger = event->points().constFirst().id();
     }
     if (m_finger == nobody)
@@ -97,7 +97,7 @@ bool FingerScroll::touched(QTouchEvent *event)
     }
     for (const QEventPoint &point : event->points()) {
         if (point.id() != m_finger)
-            continue; // another finger has no say
+            continue; // only the finger that came first scrolls
         if (point.state() == QEventPoint::Pressed)
             press(point.position(), event);
         else if (point.state() == QEventPoint::Updated)
@@ -165,7 +165,8 @@ void FingerScroll::release(const QPointF &position, const QInputEvent *event)
 
 bool FingerScroll::followsTap(const QPointF &position, quint64 timestamp) const
 {
-    const auto interval = quint64(QGuiApplication::styleHints()->mouseDoubleClickInterval());
+    const auto interval =
+        static_cast<quint64>(QGuiApplication::styleHints()->mouseDoubleClickInterval());
     return m_tapTime != 0 && timestamp - m_tapTime < interval
         && (position - m_tapPosition).manhattanLength() <= 2 * m_slop;
 }
@@ -175,7 +176,7 @@ void FingerScroll::tap(Qt::KeyboardModifiers modifiers)
     m_tapPosition = m_pressPosition;
     m_tapTime = m_pressTime;
     if (m_isSecond && m_content == Rows)
-        return; // meant for the row that was there at the first
+        return; // the first tap may have put another row under the finger
     if ((m_area->focusPolicy() & Qt::ClickFocus) != 0)
         m_area->setFocus(Qt::MouseFocusReason);
     send(m_isSecond ? QEvent::MouseButtonDblClick : QEvent::MouseButtonPress, modifiers);
@@ -211,7 +212,7 @@ void FingerScroll::giveWay()
 {
     if (m_scrolling)
         return;
-    m_scrolling = true; // since the scroller has a last position to say when it stops
+    m_scrolling = true; // stop() moves the contents once more, which must not lead here again
     m_scroller->stop();
     m_scrolling = false;
 }

@@ -9,8 +9,8 @@ FrameArea::FrameArea(QWidget *parent)
 
 void FrameArea::childEvent(QChildEvent *event)
 {
-    // At first, so that the child does not choose a size of its own when it is shown; and again
-    // when its form is built, which may have given it one.
+    // When it is added, since a child without a size would be given one when it is shown; and again
+    // when it is polished, since by then its form has been built and may have set another size.
     if (event->type() == QEvent::ChildAdded || event->type() == QEvent::ChildPolished)
         fill(event->child());
     QFrame::childEvent(event);

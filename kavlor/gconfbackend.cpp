@@ -16,7 +16,7 @@
 struct GError;
 struct GConfValue
 {
-    int type; // more follows that only GConf reads
+    int type; // the rest of it is GConf's own
 };
 struct GSList
 {
@@ -174,7 +174,7 @@ CGConfBackend::~CGConfBackend()
 {
     available = false;
     if (isStuck())
-        return; // what is still in use goes with the process
+        return; // its thread still uses the library; both end with the process
     if (m_client)
         g_object_unref(m_client);
     qgconf_unloadLibGConf();

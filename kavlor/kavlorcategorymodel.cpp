@@ -120,7 +120,7 @@ void paintCategory(QPainter *painter, int identifier, bool topLevel, bool chosen
         paintName(painter, QRect(left, 0, width, separatorTop), Qt::TextWordWrap, topLevel, name);
         return;
     }
-    // The name may reach out of its narrow area, or the tails of its letters would be missing.
+    // Not clipped to its area, which is too low for letters like g and p.
     paintName(painter, QRect(left, 0, width, nameHeightAboveChildren),
               Qt::TextSingleLine | Qt::TextDontClip, topLevel, name);
     paintChildren(painter, QRect(left, childrenTop, width, childrenHeight), chosen, children);

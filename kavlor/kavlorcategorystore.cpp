@@ -94,8 +94,8 @@ bool CKavlorCategoryStore::take(const QString &line)
     return true;
 }
 
-// Every name with its ">" behind it. A list in which a category is its own ancestor ends the walk
-// where it comes round.
+// The names from the top level down, each followed by ">". Should the service send a category that
+// is its own ancestor, the path ends before it would repeat.
 QString CKavlorCategoryStore::path(int category) const
 {
     QString text;

@@ -87,7 +87,7 @@ bool CKavlorMyAuctionsModel::appendLine(QStringView line)
     auction.views = items.at(8).toInt();
     auction.bids = items.at(9).toInt();
     auction.item10 = items.at(10).toInt();
-    // One from an earlier list is kept, so that it can be made again when the cache loses it.
+    // A thumbnail fetched for an earlier list is taken over: the cache may drop it at any time.
     QPixmap thumbnail;
     if (QPixmapCache::find(thumbnailKey(id), &thumbnail)) {
         thumbnail.setDevicePixelRatio(1);
@@ -107,7 +107,7 @@ void CKavlorMyAuctionsModel::setThumbnail(uint auctionId, const QPixmap &thumbna
     if (thumbnail.isNull())
         return;
     cacheThumbnail(auctionId, thumbnail, m_pixelRatio);
-    // The whole column, since looking for the row would take longer the longer the list is.
+    // The whole column is announced, since finding the one row would take time in a long list.
     emit dataChanged(index(0, Thumbnail), index(rowCount() - 1, Thumbnail), {Qt::DecorationRole});
 }
 
@@ -199,7 +199,7 @@ QVariant CKavlorMyAuctionsModel::headerData(int section, Qt::Orientation orienta
 
 QVariant CKavlorMyAuctionsModel::thumbnail(uint auctionId) const
 {
-    // Asked for in any case: what is shown is kept longest.
+    // Looked up even where the cache has it scaled: what was looked up last is kept longest.
     const QPixmap *original = m_thumbnails.object(auctionId);
     if (!original) {
         emit requestThumb(auctionId);

@@ -21,8 +21,8 @@ constexpr QSize largestBox(784, 424);  // leaves room for the frame that windows
 constexpr int smallestTextWidth = 320; // room for a title
 constexpr int textIndent = 12;         // pixels between the icon and the text
 constexpr int detailsTextHeight = 130;
-// More letters than this never fit into a box, and nobody reads more of them behind it. Without
-// these ends a reply of some megabytes would stop the window until it is laid out.
+// In letters: more than the first never fit into a box, and more than the second nobody reads in
+// its details. Laying out a text of some megabytes would make the window hang.
 constexpr qsizetype enoughForABox = 5000;
 constexpr qsizetype enoughForDetails = 50000;
 

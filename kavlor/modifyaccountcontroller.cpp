@@ -101,7 +101,8 @@ void CModifyAccountController::checkboxPaypalClicked()
 void CModifyAccountController::checkboxPasswordClicked()
 {
     const bool locked = m_ui->checkBoxPassword->isChecked();
-    // The box of the e-mail line decides what becomes of the texts; members are used to that.
+    // It is the lock of the e-mail line that decides whether the passwords are selected or put
+    // back.
     const bool emailUnlocked = !m_ui->checkBoxEmail->isChecked();
     for (QLineEdit *line : {m_ui->linePassword, m_ui->lineConfirm}) {
         setLocked(line, locked);
@@ -149,7 +150,7 @@ void CModifyAccountController::doneClicked()
     m_ui->errorLabelText->clear();
     m_ui->errorLabelText->setVisible(false);
     m_requestPending = true;
-    // Before the request, which may end, and this frame with it, before the call returns.
+    // Before the request: it may wait for a connection, and this frame may be left meanwhile.
     m_ui->frameControls->setEnabled(false);
     m_ui->pushButtonDone->setEnabled(false);
     m_request->modifyAccount(*m_user, *m_edited);

@@ -59,7 +59,7 @@ void CNotificationsController::notificationChanged()
 
 void CNotificationsController::doneClicked()
 {
-    // Before the request, which may end, and this frame with it, before the call returns.
+    // Before the request: it may wait for a connection, and this frame may be left meanwhile.
     m_ui->pushButtonDone->setEnabled(false);
     m_request->setNotificationOptions(m_user->field(CKavlorUser::Username),
                                       m_user->field(CKavlorUser::Password), *m_options);

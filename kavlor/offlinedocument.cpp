@@ -9,12 +9,12 @@ namespace {
 
 constexpr qsizetype mostBytes = 1024LL * 1024;
 constexpr qsizetype deepest = 100;
-// The toolkit takes more than a second for more than these, even in a megabyte.
+// The toolkit would take more than a second to lay out a document beyond one of these.
 constexpr int mostTags = 100000;
 constexpr int longestWord = 1000;
 constexpr qsizetype longestLine = 500;
 
-// Elements that have no end.
+// Elements without an end tag.
 bool isVoid(const QString &name)
 {
     static const QStringList names{
@@ -24,7 +24,8 @@ bool isVoid(const QString &name)
     return names.contains(name);
 }
 
-// Whether the beginning of @p next ends @p open, whose end many writers leave out.
+// Whether a start tag @p next closes the open element @p open, whose end tag HTML lets writers
+// omit.
 bool isEndedBy(const QString &open, const QString &next)
 {
     static const QStringList cells{QStringLiteral("td"), QStringLiteral("th")};
@@ -110,7 +111,8 @@ QString OfflineDocument::withShortLines(const QString &text)
 QVariant OfflineDocument::loadResource(int type, const QUrl &name)
 {
     Q_UNUSED(name)
-    // Something, since the toolkit opens the file itself when it gets no picture.
+    // A picture of one transparent pixel: without any, the toolkit would open the named file
+    // itself.
     if (type == ImageResource) {
         QImage nothing(1, 1, QImage::Format_ARGB32_Premultiplied);
         nothing.fill(Qt::transparent);

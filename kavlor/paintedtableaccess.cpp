@@ -167,7 +167,7 @@ private:
         if (access && access->isValid())
             return access;
         if (access)
-            QAccessible::deleteAccessibleInterface(known); // of a row that is gone
+            QAccessible::deleteAccessibleInterface(known); // its row is gone
         access = new CellAccess(m_view, index);
         m_cells.insert(number, QAccessible::registerAccessibleInterface(access));
         return access;
@@ -195,7 +195,8 @@ void showPaintedCells(QTableView *table, PaintedCellDelegate *delegate)
     }();
     Q_UNUSED(installed)
     table->setItemDelegate(delegate);
-    // A table has got its access while it was made, when it had no delegate to tell it by.
+    // The toolkit may have made the accessible interface already, when the table had no delegate
+    // yet by which makeAccess() knows it. It makes another one when it is next asked.
     QAccessibleInterface *access = QAccessible::queryAccessibleInterface(table);
     QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(access));
 }

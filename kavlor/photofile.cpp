@@ -5,10 +5,10 @@
 namespace {
 
 constexpr qint64 maxPhotoPixels = 256'000'000;
-constexpr int maxPhotoMegabytes = 1024; // what as many pixels take
+constexpr int maxPhotoMegabytes = 1024; // 256 megapixels of 4 bytes each
 
-// The toolkit refuses larger pictures; its limit is one for the whole program, and so only lifted
-// for as long as one picture is read.
+// Raises the toolkit's limit on the memory of a picture while it lives. There is one limit for the
+// whole program, so it is put back as soon as the photo is read.
 class AllocationLimit
 {
 public:
@@ -31,7 +31,7 @@ qint64 pixelCount(const QSize &size)
     return static_cast<qint64>(size.width()) * size.height();
 }
 
-// The size in which a picture of the first size fills the box; never without pixels.
+// The largest size with the proportions of @p size that fits @p box, at least one pixel each way.
 QSize fitted(const QSize &size, const QSize &box)
 {
     return size.scaled(box, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));

@@ -19,7 +19,7 @@ constexpr qint64 maxReplyBytes = 64LL * 1024 * 1024;
 qint64 unpackedBytes(const QImageReader &reader)
 {
     const QImage::Format format = reader.imageFormat();
-    // Not every format tells; two bits a pixel may well become 32.
+    // A format may not tell its depth before it is read, and fewer bits may become 32 a pixel.
     const int depth = format == QImage::Format_Invalid
         ? 32
         : qMax<int>(32, QImage::toPixelFormat(format).bitsPerPixel());
@@ -48,28 +48,29 @@ qint64 inflatedBytes(QByteArrayView data, qint64 limit)
     return bytes;
 }
 
-// The bytes from a place on that may lie behind the last.
+// The bytes from @p place to the end; none when @p place is beyond the end.
 QByteArrayView from(QByteArrayView bytes, qsizetype place)
 {
     return bytes.sliced(qMin(place, bytes.size()));
 }
 
-// What a chunk of a PNG that is no part of its pixels takes once it is unpacked.
+// How many bytes a chunk of a PNG with a text or a colour profile takes once it is unpacked. Such a
+// chunk begins with a name and a zero byte.
 qint64 chunkBytes(QByteArrayView type, QByteArrayView data, qint64 limit)
 {
     const qsizetype name = data.indexOf('\0') + 1;
     if (type == "zTXt" || type == "iCCP")
-        return inflatedBytes(from(data, name + 1), limit); // behind the method
+        return inflatedBytes(from(data, name + 1), limit); // one byte names the method
     const bool isCompressed = type == "iTXt" && from(data, name).startsWith('\1');
     if (!isCompressed)
         return data.size();
-    // Behind flag and method stand two more names.
+    // A flag and the method, then the language and the translated name, each with a zero byte.
     const qsizetype language = data.indexOf('\0', name + 2) + 1;
     return inflatedBytes(from(data, data.indexOf('\0', language) + 1), limit);
 }
 
-// A picture as it came, without the texts in it, which nobody reads; what they would have taken
-// is in textBytes.
+// The file without its text chunks, which nobody reads. @p textBytes receives what they and the
+// colour profile would take unpacked.
 QByteArray withoutTexts(const QByteArray &file, qint64 *textBytes)
 {
     const QByteArray signature("\x89PNG\r\n\x1a\n");

@@ -224,7 +224,8 @@ void RootViewController::showHome(const QString &userName, const QString &passwo
         m_requestState = NotificationOptionsRequested;
         m_request->getNotificationOptions(userName, password);
     } else if (!m_notificationOptions.isInitialized()) {
-        // Once only: the text is from the start, and the member may have chosen anew since.
+        // Only once: the text dates from the start of the program, and the member may have changed
+        // the alerts since.
         m_notificationOptions.parse(m_notificationOptionsText);
     }
     if (CKavlorCategoryStore::isEmpty() && !m_categoriesText.isEmpty())
@@ -247,7 +248,7 @@ void RootViewController::requestDone(const QString &aResponse, const QString &aE
     if (m_requestState == NotificationOptionsRequested) {
         if (usable)
             m_notificationOptions.parse(aResponse);
-        // With the categories there already, the state stays as it is.
+        // When the categories are loaded already, the state stays NotificationOptionsRequested.
         if (CKavlorCategoryStore::isEmpty()) {
             m_requestState = CategoriesRequested;
             m_request->getCategoryList(userName(), password());

@@ -253,7 +253,8 @@ void CUploadMediaController::takeUpDraft()
     keepDraft();
 }
 
-// Of what is in the fields now; the record takes some of it later.
+// The record gets caption and description only when the member goes on to the next page, so both
+// are taken from their fields.
 void CUploadMediaController::keepDraft()
 {
     if (!m_draft || m_placed || m_step == ChoosingMedia)
@@ -301,8 +302,8 @@ void CUploadMediaController::doneClick()
 
     setPercentage(34);
     m_record.caption = m_caption->text();
-    // Kept in the record is only the prompt, for showDescription(); a written text stays in its
-    // field until categorized() takes it.
+    // An untouched prompt goes into the record, from where showDescription() puts it back; a
+    // written text stays in its field, from where categorized() takes it.
     m_record.description = m_description->isEmpty() ? m_description->text() : QString();
     auto *page = new CKavlorAuctionCategorize(m_ui->pageArea, m_record.category, false);
     connect(page, &CKavlorAuctionCategorize::categoryChosen, this,

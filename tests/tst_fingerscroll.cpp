@@ -404,8 +404,8 @@ void tst_FingerScroll::aDoubleTapPicksOneCategory()
         const QPointF global = viewport->mapToGlobal(QPointF(first));
         QMouseEvent second(QEvent::MouseButtonDblClick, first, global, Qt::LeftButton,
                            Qt::LeftButton, {});
-        second.setTimestamp(quint64(QTest::lastMouseTimestamp)
-                            - quint64(QTest::mouseDoubleClickInterval) + 1);
+        second.setTimestamp(static_cast<quint64>(QTest::lastMouseTimestamp)
+                            - static_cast<quint64>(QTest::mouseDoubleClickInterval) + 1);
         QCoreApplication::sendEvent(viewport, &second);
         QMouseEvent release(QEvent::MouseButtonRelease, first, global, Qt::LeftButton, {}, {});
         QCoreApplication::sendEvent(viewport, &release);

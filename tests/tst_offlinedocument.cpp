@@ -54,7 +54,8 @@ public:
         const QByteArray name = QFile::encodeName(path);
         m_made = mkfifo(name.constData(), 0600) == 0;
         m_pipe = ::open(name.constData(), O_RDWR | O_NONBLOCK);
-        m_made = m_made && ::write(m_pipe, m_bytes.constData(), size_t(m_bytes.size())) > 0;
+        m_made =
+            m_made && ::write(m_pipe, m_bytes.constData(), static_cast<size_t>(m_bytes.size())) > 0;
     }
     ~Bait()
     {
