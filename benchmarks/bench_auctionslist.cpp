@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What the auctions list costs with few and with very many auctions. The shorter list is the peer
 // of the longer one: both show the same number of rows, so that each operation should cost the
 // same. Loading alone grows with the list and is given for one row.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // How the local service holds up: its operations against the cheapest one as their peer, what other
 // clients notice of busy, idle, slow and greedy ones, its memory, and how soon it ends.
 // --service PATH measures another build of it.

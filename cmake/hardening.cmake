@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # What distributions build their programs with. Included once, before any target: it holds for all.
 include(CheckCXXCompilerFlag)
 include(CheckPIESupported)

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "icd2bridge.h"
 
 #include <QCoreApplication>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "icd2daemon.h"
 
 #include "connectionstate.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "icdui.h"
 
 #include "icd2daemon.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktopnetwork.h"
 #include "icd2bridge.h"
 #include "terminationsignal.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "terminationsignal.h"
 
 #include <csignal>

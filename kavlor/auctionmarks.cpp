@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "auctionmarks.h"
 
 #include "auctionrow.h"

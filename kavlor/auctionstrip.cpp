@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "auctionstrip.h"
 
 #include "auctionmarks.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "connectionwait.h"
 
 #include "connector.h"

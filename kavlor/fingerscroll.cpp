@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "fingerscroll.h"
 
 #include <QAbstractScrollArea>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "gconfbackend.h"
 
 #include "qgconfloader.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "httptolvex.h"
 
 #include "connectionwait.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "httptransfer.h"
 
 #include "curlloop.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "kavlorauctionconfirm.h"
 
 #include "auctionrecord.h"

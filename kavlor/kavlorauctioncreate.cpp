@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "kavlorauctioncreate.h"
 
 #include "leaveframe.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "kavlorcategorymodel.h"
 
 #include "drawings.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "kavlorknownuser.h"
 
 #include "leaveframe.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "kavlorlogin.h"
 
 #include "httptolvex.h"

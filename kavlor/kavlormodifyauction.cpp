@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "kavlormodifyauction.h"
 
 #include "httptolvex.h"

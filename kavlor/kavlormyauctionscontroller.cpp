@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "kavlormyauctionscontroller.h"
 
 #include "fingerscroll.h"

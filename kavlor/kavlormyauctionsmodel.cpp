@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "kavlormyauctionsmodel.h"
 
 #include "auctionstrip.h"

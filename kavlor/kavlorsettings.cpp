@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "kavlorsettings.h"
 
 #include "httptolvex.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "kavlorsplashwindow.h"
 
 #include "httptolvex.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "leaveframe.h"
 
 #include "httptolvex.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "liststyle.h"
 
 const ListStyle &listStyle()

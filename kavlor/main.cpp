@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "connector.h"
 #include "fonts.h"
 #include "rootviewcontroller.h"

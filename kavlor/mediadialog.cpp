@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "mediadialog.h"
 
 #include "fingerscroll.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "messagebox.h"
 
 #include "fingerscroll.h"

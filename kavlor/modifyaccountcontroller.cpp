@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "modifyaccountcontroller.h"
 
 #include "httptolvex.h"

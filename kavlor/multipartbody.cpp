@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "multipartbody.h"
 
 #include "auctionrecord.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "navigationframe.h"
 
 #include "progressivemodel.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "notificationscontroller.h"
 
 #include "httptolvex.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "paintedtableaccess.h"
 
 #include "paintedcelldelegate.h"

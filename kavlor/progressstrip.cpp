@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "progressstrip.h"
 
 #include "progressivemodel.h"

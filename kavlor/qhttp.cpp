@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "qhttp.h"
 
 #include "curlloop.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "qhttprequestheader.h"
 
 QHttpRequestHeader::QHttpRequestHeader(const QString &method, const QString &path)

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "qhttpresponseheader.h"
 
 QHttpResponseHeader::QHttpResponseHeader(int statusCode)

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "replyimage.h"
 
 #include <QBuffer>

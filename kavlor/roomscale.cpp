@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "roomscale.h"
 
 #include "drawings.h"

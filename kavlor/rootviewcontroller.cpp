@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "rootviewcontroller.h"
 
 #include "doubletapguard.h"

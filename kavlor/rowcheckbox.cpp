@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "rowcheckbox.h"
 
 bool RowCheckBox::hitButton(const QPoint &position) const

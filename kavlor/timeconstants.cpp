@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "timeconstants.h"
 
 const TimeConstants &timeConstants()

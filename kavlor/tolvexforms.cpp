@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "tolvexforms.h"
 
 #include "kavlornotificationoptions.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "uploadmediaconfirmation.h"
 
 #include "roomscale.h"

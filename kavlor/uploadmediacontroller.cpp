@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "uploadmediacontroller.h"
 
 #include "fingerscroll.h"

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # What libraries may know of each other, checked twice for each:
 #
 # - It is linked by itself and whole, with the libraries that it names and nothing else. A call of

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "auctionrow.h"
 #include "auctionstrip.h"
 #include "dostep.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "auctionlist.h"
 #include "auctionrecord.h"
 #include "framecreateaccount.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "framecreateaccount.h"
 #include "framewelcomekavlor.h"
 #include "kavlorlogin.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "onlineconnector.h"
 #include "resultlog.h"
 #include "scriptedservice.h"

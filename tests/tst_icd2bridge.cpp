@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "connector.h"
 #include "privatebus.h"
 #include "processmemory.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "clientdriver.h"
 #include "testcase.h"
 #include "testmain.h"

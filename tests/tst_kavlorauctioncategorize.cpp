@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "kavlorauctioncategorize.h"
 #include "kavlorcategorymodel.h"
 #include "kavlorcategorystore.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "auctionrecord.h"
 #include "kavlorauctionconfirm.h"
 #include "kavlorcategorystore.h"

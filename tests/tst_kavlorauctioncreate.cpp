@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "dialoganswers.h"
 #include "kavlorauctioncreate.h"
 #include "testcase.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "endlessservice.h"
 #include "framewelcomekavlor.h"
 #include "kavlorknownuser.h"

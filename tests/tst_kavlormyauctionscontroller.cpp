@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "auctionlist.h"
 #include "dialoganswers.h"
 #include "framearea.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "accounts.h"
 #include "database.h"
 #include "loginmemory.h"

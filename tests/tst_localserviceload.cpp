@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "localserviceprocess.h"
 #include "processmemory.h"
 #include "testcase.h"

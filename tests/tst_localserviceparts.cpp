@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "byterange.h"
 #include "database.h"
 #include "fields.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "contrast.h"
 #include "localserviceprocess.h"
 #include "testcase.h"

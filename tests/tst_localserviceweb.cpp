@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "localserviceprocess.h"
 #include "testcase.h"
 #include "testmain.h"

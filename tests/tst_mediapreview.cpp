@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "mediapreview.h"
 #include "testcase.h"
 #include "testconstants.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "auctionlist.h"
 #include "contrast.h"
 #include "framecreateaccount.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "navigationcontrolableframe.h"
 #include "testcase.h"
 #include "testmain.h"

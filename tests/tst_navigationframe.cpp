@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "navigationframe.h"
 #include "testcase.h"
 #include "testmain.h"

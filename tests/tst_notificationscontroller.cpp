@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "framestage.h"
 #include "httptolvex.h"
 #include "kavlornotificationoptions.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "auctionrecord.h"
 #include "framecreateaccount.h"
 #include "framestage.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "progressivemodel.h"
 #include "testcase.h"
 #include "testmain.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "promptedfield.h"
 #include "testcase.h"
 #include "testmain.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "contrast.h"
 #include "drawings.h"
 #include "testcase.h"

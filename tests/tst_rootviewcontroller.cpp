@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "framewelcomekavlor.h"
 #include "httptolvex.h"
 #include "kavlorcategorystore.h"

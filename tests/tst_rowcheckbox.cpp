@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "framecreateaccount.h"
 #include "framestage.h"
 #include "kavlornotificationoptions.h"

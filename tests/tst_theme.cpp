@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "contrast.h"
 #include "pixels.h"
 #include "testcase.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "testcase.h"
 #include "testmain.h"
 #include "uploadmediaconfirmation.h"

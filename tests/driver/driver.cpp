@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "driver.h"
 
 #include "../support/widgettext.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A program with a connection manager and little else, made in the order in which the client makes
 // its own. It carries out the operations of its command line one after another, then prints one
 // line for each report until its standard input is closed.

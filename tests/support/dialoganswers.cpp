@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "dialoganswers.h"
 
 #include "waituntil.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Preloaded into a program, it makes the disk refuse to take anything while the file named by
 // KAVLOR_FAULTY_DISK exists: every call that would put bytes into a file, or make one longer, fails
 // with the error number that stands in that file. What is there already can be read.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "framestage.h"
 
 #include "enterkey.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Stands in for the GConf library, under its name and with the few functions that the client looks
 // up in it. It answers from a file of lines "key<TAB>type<TAB>value" that KAVLOR_STANDIN_GCONF
 // names and reads it anew for each question; without that variable there is no GConf to be had.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "processmemory.h"
 
 #include <QFile>

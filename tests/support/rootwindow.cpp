@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "rootwindow.h"
 
 #include "framewelcomekavlor.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "scriptedservice.h"
 
 #include "testconstants.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "testconstants.h"
 
 #include "servicehost.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "uploadrequest.h"
 
 #include <QBuffer>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "webbrowser.h"
 
 #include "patience.h"
