@@ -76,7 +76,7 @@ Result<void> Seed::plant()
     if (!member.isOk())
         return member.failure();
     const QJsonArray plots = all.value(QLatin1String("auctions")).toArray();
-    for (const QJsonValue &plot : plots) {
+    for (const auto &plot : plots) {
         const Result<void> added = addAuction(member.value(), plot.toObject(), all);
         if (!added.isOk())
             return added;
