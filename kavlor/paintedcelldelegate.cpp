@@ -6,6 +6,12 @@
 #include <QPainter>
 #include <QPixmap>
 
+namespace {
+
+constexpr int ringWidth = 3; // pixels, around the cell that has the focus
+
+} // namespace
+
 PaintedCellDelegate::PaintedCellDelegate(const QList<QSize> &columnSizes, QObject *parent)
     : QStyledItemDelegate(parent)
     , m_columnSizes(columnSizes)
@@ -42,10 +48,12 @@ void PaintedCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &o
     if (index.column() == 0)
         place.moveRight(option.rect.right());
     painter->drawPixmap(place, index.data(Qt::DecorationRole).value<QPixmap>());
-    if (option.state.testFlag(QStyle::State_HasFocus)
-        && option.state.testFlag(QStyle::State_KeyboardFocusChange)) {
-        painter->setPen(QPen(option.palette.color(QPalette::Text), 1, Qt::DotLine));
-        painter->drawRect(option.rect.adjusted(0, 0, -1, -2));
+    if (option.state.testFlag(QStyle::State_HasFocus)) {
+        QPen ring(option.palette.color(QPalette::Text), ringWidth);
+        ring.setJoinStyle(Qt::MiterJoin);
+        painter->setPen(ring);
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(option.rect.adjusted(1, 1, -2, -2));
     }
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "contrast.h"
 #include "keyboard.h"
 #include "messagebox.h"
 #include "rootwindow.h"
@@ -9,8 +10,10 @@
 #include <QApplication>
 #include <QDir>
 #include <QLineEdit>
+#include <QSet>
 #include <QSpinBox>
 #include <QStandardPaths>
+#include <QTabBar>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
@@ -44,12 +47,18 @@ private slots:
     void focusStaysOnTheSummaryWhileItIsSent();
     void waitingScreensKeepAFocus();
 
+    void focusIsSeenEverywhere_data();
+    void focusIsSeenEverywhere();
+    void focusOnTheBarIsSeen();
+    void lockedLinesLookLocked();
+
 private:
     using Way = bool (tst_Keys::*)(RootWindow &);
 
     bool toWelcome(RootWindow &window);
     bool toLogin(RootWindow &window);
     bool toCreateAccount(RootWindow &window);
+    bool toTerms(RootWindow &window);
     bool toHome(RootWindow &window);
     bool toUpload(RootWindow &window);
     bool toDescription(RootWindow &window);
@@ -87,6 +96,36 @@ bool comes(RootWindow &window, const char *control)
     return QTest::qWaitFor([&] { return window.find(control); }) && isInFront(window);
 }
 
+QImage pictureOf(RootWindow &window)
+{
+    return window.root()->grab().toImage();
+}
+
+// What the ring of the focus goes around: the control, the current cell or tab in it.
+QRect placeOfFocus(const QWidget *control)
+{
+    QRect place = control->rect();
+    const QWidget *area = control;
+    if (const auto *table = qobject_cast<const QTableView *>(control)) {
+        area = table->viewport();
+        place = table->visualRect(table->currentIndex()) & area->rect();
+    } else if (const auto *tabs = qobject_cast<const QTabBar *>(control)) {
+        place = tabs->tabRect(tabs->currentIndex());
+    }
+    return {area->mapTo(control->window(), place.topLeft()), place.size()};
+}
+
+// How many pixels in that place are of another colour with the focus than without it.
+int standsOut(const QImage &with, const QImage &without, const QRect &place)
+{
+    int pixels = 0;
+    for (int y = place.top(); y <= place.bottom(); ++y) {
+        for (int x = place.left(); x <= place.right(); ++x)
+            pixels += contrast(with.pixelColor(x, y), without.pixelColor(x, y)) >= 3 ? 1 : 0;
+    }
+    return pixels;
+}
+
 bool pressAt(const char *control, Qt::Key key)
 {
     if (!Keyboard::tabTo(name(control)))
@@ -120,6 +159,14 @@ bool tst_Keys::toCreateAccount(RootWindow &window)
 {
     return toWelcome(window) && window.click("createAccountButton")
         && comes(window, "submitButton");
+}
+
+bool tst_Keys::toTerms(RootWindow &window)
+{
+    if (!toCreateAccount(window) || !Keyboard::tabTo(name("qt_tabwidget_tabbar")))
+        return false;
+    Keyboard::press(Qt::Key_Right);
+    return comes(window, "termsEdit");
 }
 
 bool tst_Keys::toHome(RootWindow &window)
@@ -418,6 +465,78 @@ void tst_Keys::waitingScreensKeepAFocus()
     QVERIFY(window.service.release());
     QTRY_COMPARE(window.text("labelPleaseWait"), QStringLiteral("There is no data to display."));
     QCOMPARE(Keyboard::focus(), name("backNavigationButton"));
+}
+
+void tst_Keys::focusIsSeenEverywhere_data()
+{
+    screensBeginWhereAMemberDoes_data();
+    QTest::newRow("terms") << &tst_Keys::toTerms << QString();
+}
+
+void tst_Keys::focusIsSeenEverywhere()
+{
+    QFETCH(Way, way);
+    RootWindow window;
+    QVERIFY2((this->*way)(window), window.service.report());
+    QTRY_VERIFY(!Keyboard::focus().isEmpty());
+    const QWidget *first = QApplication::focusWidget();
+    int stops = 0;
+    do {
+        QWidget *stop = QApplication::focusWidget();
+        QVERIFY(stop);
+        QVERIFY(stop->objectName() != name("DummylineEdit"));
+        const QRect place = placeOfFocus(stop);
+        const QImage with = pictureOf(window);
+        while (QApplication::focusWidget() == stop) // a link in a label is a step of its own
+            Keyboard::press(Qt::Key_Tab);
+        const QImage without = pictureOf(window);
+        const int seen = standsOut(with, without, place);
+        const int needed = 2 * (place.width() + place.height()) * 9 / 10;
+        QVERIFY2(seen >= needed,
+                 qPrintable(QStringLiteral("%1: %2 of %3 pixels")
+                                .arg(stop->objectName())
+                                .arg(seen)
+                                .arg(needed)));
+        QVERIFY(++stops < 20);
+    } while (QApplication::focusWidget() != first);
+}
+
+void tst_Keys::focusOnTheBarIsSeen()
+{
+    RootWindow window;
+    QVERIFY2(toHome(window), window.service.report());
+    QVERIFY(Keyboard::tabTo(name("cancelNavigationButton")));
+    const QWidget *button = QApplication::focusWidget();
+    const QRect place = placeOfFocus(button);
+    const QImage shown = pictureOf(window);
+    const int middle = place.center().y();
+    const QColor bar = shown.pixelColor(place.left() - 3, middle);
+    double highest = 1;
+    for (int x = place.left(); x < place.left() + 6; ++x)
+        highest = qMax(highest, contrast(bar, shown.pixelColor(x, middle)));
+    QVERIFY2(highest >= 3, qPrintable(QString::number(highest)));
+}
+
+void tst_Keys::lockedLinesLookLocked()
+{
+    RootWindow window;
+    QVERIFY2(toMyAccount(window), window.service.report());
+    const QImage locked = window.picture("lineEmail");
+    QVERIFY(window.click("checkBoxEmail"));
+    window.find("pushButtonDone")->setFocus();
+    const QImage open = window.picture("lineEmail");
+    const QPoint ground(open.width() - 12, open.height() / 2);
+    QCOMPARE(open.pixelColor(ground), QColor(Qt::white));
+    QVERIFY(contrast(open.pixelColor(ground), locked.pixelColor(ground)) >= 1.3);
+    QVERIFY(contrast(locked.pixelColor(ground), QColor(0, 0, 127)) >= 7); // the letters
+    // A broken line around it.
+    QSet<QRgb> border;
+    for (int x = 20; x < locked.width() - 20; ++x)
+        border.insert(locked.pixel(x, 0));
+    QVERIFY(border.size() > 1);
+    QVERIFY(window.click("checkBoxEmail"));
+    window.find("pushButtonDone")->setFocus();
+    QCOMPARE(window.picture("lineEmail").pixelColor(ground), locked.pixelColor(ground));
 }
 
 KAVLOR_TEST_MAIN(tst_Keys)
