@@ -2,6 +2,7 @@
 
 #include "framecreateaccount.h"
 
+#include "announce.h"
 #include "fingerscroll.h"
 #include "httptolvex.h"
 #include "kavloruser.h"
@@ -183,6 +184,7 @@ void FrameCreateAccount::showFault(const QString &message)
     m_ui->tabWidget->setToolTip(message);
     m_ui->errorLabelText->setText(message);
     m_ui->errorLabelText->setVisible(true);
+    announce(m_ui->errorLabelText);
 }
 
 void FrameCreateAccount::setProgressRunning(bool running)

@@ -2,6 +2,7 @@
 
 #include "kavlorlogin.h"
 
+#include "announce.h"
 #include "httptolvex.h"
 #include "leaveframe.h"
 #include "messagebox.h"
@@ -73,6 +74,7 @@ void KavlorLogin::ValidationDone(const QString &aUnoOnSuccess, const QString &aE
             return;
         }
         m_ui->labelError->setText(tr("kavlor authentication failed."));
+        announce(m_ui->labelError);
     } else {
         if (!MessageBox::tell(this, QMessageBox::Information, tr("Authentication failed:"), aError))
             return;

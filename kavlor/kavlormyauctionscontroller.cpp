@@ -2,6 +2,7 @@
 
 #include "kavlormyauctionscontroller.h"
 
+#include "announce.h"
 #include "fingerscroll.h"
 #include "httptolvex.h"
 #include "kavlormodifyauction.h"
@@ -94,6 +95,7 @@ void CKavlorMyAuctionsController::myAuctions(const QString &aData)
     if (m_model->rowCount() == 0) {
         m_ui->labelPleaseWait->setText(tr("There is no data to display."));
         m_ui->labelPleaseWait->show();
+        announce(m_ui->labelPleaseWait);
         return;
     }
 

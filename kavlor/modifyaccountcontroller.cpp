@@ -2,6 +2,7 @@
 
 #include "modifyaccountcontroller.h"
 
+#include "announce.h"
 #include "httptolvex.h"
 #include "roomscale.h"
 #include "rootviewcontroller.h"
@@ -146,6 +147,7 @@ void CModifyAccountController::doneClicked()
                             m_edited->field(CKavlorUser::TwitterPassword), &message, true)) {
         m_ui->errorLabelText->setText(message);
         m_ui->errorLabelText->setVisible(true);
+        announce(m_ui->errorLabelText);
         return;
     }
 

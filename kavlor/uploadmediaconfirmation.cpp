@@ -13,6 +13,7 @@ CUploadMediaConfirmation::CUploadMediaConfirmation(QWidget *parent)
     m_ui->setupUi(this);
     new RoomScale(this);
     new StartFocus(this, m_ui->buttonOk);
+    m_ui->buttonOk->setAccessibleDescription(m_ui->alertLabel->text());
     connect(m_ui->buttonOk, &QPushButton::clicked, this, &CUploadMediaConfirmation::nextClicked);
 }
 

@@ -2,6 +2,7 @@
 
 #include "uploadmediacontroller.h"
 
+#include "announce.h"
 #include "fingerscroll.h"
 #include "httptolvex.h"
 #include "kavlorauctioncategorize.h"
@@ -138,6 +139,13 @@ void CUploadMediaController::setPercentage(int percentage)
 {
     m_progress->setPercentage(percentage);
     m_ui->progressUpload->viewport()->repaint();
+}
+
+// What the moving strip shows, in words.
+void CUploadMediaController::sayProgress(const QString &text)
+{
+    m_ui->progressUpload->setAccessibleName(text);
+    announce(m_ui->progressUpload);
 }
 
 void CUploadMediaController::showPage(QFrame *page)
@@ -367,6 +375,7 @@ void CUploadMediaController::createAuction()
     keepDraft();
     setPercentage(1);
     m_progress->animate(true, static_cast<uint>(timeConstants().progressStep), 0);
+    sayProgress(tr("Your auction is being uploaded. Please wait."));
     m_uploading = true;
     m_request->createAuction(*m_user, m_record);
 }
@@ -378,6 +387,7 @@ void CUploadMediaController::requestDone(const QString &aResponse, const QString
     if (!m_uploading)
         return;
     m_uploading = false;
+    m_ui->progressUpload->setAccessibleName(tr("Progress of the upload"));
 
     if (!CHttpTolvex::succeeded(aResponse, aError)) {
         if (MessageBox::tell(this, QMessageBox::NoIcon, QString(),

@@ -73,6 +73,7 @@ private:
     void connectForm();
     void connectRequest();
     void setPercentage(int percentage);
+    void sayProgress(const QString &text);
     void showPage(QFrame *page);
     void retire(QFrame *page);
     bool inform(const QString &text);

@@ -7,9 +7,11 @@
 #include "testcase.h"
 #include "testmain.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QDir>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QSet>
 #include <QSpinBox>
 #include <QStandardPaths>
@@ -17,6 +19,10 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <private/qguiapplication_p.h>
+#include <qpa/qplatformaccessibility.h>
+#include <qpa/qplatformintegration.h>
 
 /**
  * The program as it is worked by keys alone: where each screen begins, what Enter does, and that
@@ -52,6 +58,11 @@ private slots:
     void focusOnTheBarIsSeen();
     void lockedLinesLookLocked();
 
+    void faultsAndWaitsAreSaid_data();
+    void faultsAndWaitsAreSaid();
+    void uploadIsSaid();
+    void listBeginsWithAllOfItsFirstRow();
+
 private:
     using Way = bool (tst_Keys::*)(RootWindow &);
 
@@ -77,6 +88,53 @@ private:
 };
 
 namespace {
+
+// What a screen reader is told to say at once while this lives, as it gets it.
+class ScreenReader
+{
+public:
+    ScreenReader()
+    {
+        said().clear();
+        platform()->setActive(true); // as when a screen reader runs, which no public function says
+        m_before = QAccessible::installUpdateHandler(hear);
+    }
+    ~ScreenReader()
+    {
+        QAccessible::installUpdateHandler(m_before);
+        platform()->setActive(false);
+    }
+    Q_DISABLE_COPY_MOVE(ScreenReader)
+
+    static QStringList alerts()
+    {
+        return said();
+    }
+
+private:
+    static QPlatformAccessibility *platform()
+    {
+        return QGuiApplicationPrivate::platformIntegration()->accessibility();
+    }
+
+    static QStringList &said()
+    {
+        static QStringList texts;
+        return texts;
+    }
+
+    static void hear(QAccessibleEvent *event)
+    {
+        if (event->type() != QAccessible::Alert)
+            return;
+        if (const auto *box = qobject_cast<QMessageBox *>(event->object()))
+            said().append(box->text());
+        else if (QAccessibleInterface *access = event->accessibleInterface())
+            said().append(access->text(QAccessible::Name));
+    }
+
+    QAccessible::UpdateHandler m_before = nullptr;
+};
 
 QString name(const char *objectName)
 {
@@ -537,6 +595,78 @@ void tst_Keys::lockedLinesLookLocked()
     QVERIFY(window.click("checkBoxEmail"));
     window.find("pushButtonDone")->setFocus();
     QCOMPARE(window.picture("lineEmail").pixelColor(ground), locked.pixelColor(ground));
+}
+
+void tst_Keys::faultsAndWaitsAreSaid_data()
+{
+    QTest::addColumn<Way>("way");
+    QTest::addColumn<QByteArray>("button");
+    QTest::addColumn<QString>("said");
+    QTest::newRow("create account")
+        << &tst_Keys::toCreateAccount << QByteArray("submitButton") << "Username must be defined";
+    QTest::newRow("login") << &tst_Keys::toLogin << QByteArray("loginButton")
+                           << "kavlor authentication failed.";
+    QTest::newRow("my account") << &tst_Keys::toMyAccount << QByteArray("pushButtonDone")
+                                << "Password does not match.";
+    QTest::newRow("my auctions") << &tst_Keys::toHome << QByteArray("buttonMyKavlor")
+                                 << "There is no data to display.";
+    QTest::newRow("no caption") << &tst_Keys::toDescription << QByteArray("doneButton")
+                                << "Please enter a caption.";
+}
+
+void tst_Keys::faultsAndWaitsAreSaid()
+{
+    QFETCH(Way, way);
+    QFETCH(QByteArray, button);
+    QFETCH(QString, said);
+    RootWindow window;
+    QVERIFY2((this->*way)(window), window.service.report());
+    if (button == "loginButton") {
+        window.service.expect("ValidateLogin", "0");
+        Keyboard::type(QStringLiteral("m1"));
+        Keyboard::press(Qt::Key_Tab);
+        Keyboard::type(QStringLiteral("wrong"));
+    } else if (button == "pushButtonDone") {
+        QVERIFY(pressAt("checkBoxPassword", Qt::Key_Space));
+        QVERIFY(Keyboard::tabTo(name("linePassword")) || Keyboard::focus() == name("linePassword"));
+        Keyboard::replace(QStringLiteral("other"));
+    } else if (button == "buttonMyKavlor") {
+        window.service.expect("GetMyAuctions", "header\n");
+    }
+    const ScreenReader reader;
+    QVERIFY(pressAt(button.constData(), Qt::Key_Return));
+    const bool isSaid = QTest::qWaitFor([&] { return reader.alerts().contains(said); });
+    QVERIFY2(isSaid, qPrintable(reader.alerts().join(QLatin1Char('|'))));
+}
+
+void tst_Keys::uploadIsSaid()
+{
+    RootWindow window;
+    QVERIFY2(toConfirm(window), window.service.report());
+    const ScreenReader reader;
+    window.service.expectHeld("CreateAuction", "17");
+    QVERIFY(pressAt("createAuctionButton", Qt::Key_Return));
+    const QString wait = QStringLiteral("Your auction is being uploaded. Please wait.");
+    QTRY_VERIFY(reader.alerts().contains(wait));
+    QTRY_VERIFY(window.service.isHolding());
+    QVERIFY(window.service.release());
+    QVERIFY(comes(window, "buttonOk"));
+    QCOMPARE(window.find("progressUpload")->accessibleName(),
+             QStringLiteral("Progress of the upload"));
+    QVERIFY(window.find("buttonOk")
+                ->accessibleDescription()
+                .startsWith(QStringLiteral("Your media has been successfully placed")));
+}
+
+void tst_Keys::listBeginsWithAllOfItsFirstRow()
+{
+    RootWindow window;
+    QVERIFY2(toMyAuctions(window), window.service.report());
+    const QAccessibleInterface *row =
+        QAccessible::queryAccessibleInterface(window.find("myAuctionsTable"))->focusChild();
+    QVERIFY(row);
+    QCOMPARE(row->text(QAccessible::Name),
+             QStringLiteral("Lake. 12 views, 3 bids. On sale. The reserve price is met."));
 }
 
 KAVLOR_TEST_MAIN(tst_Keys)
