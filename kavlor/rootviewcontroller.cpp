@@ -14,6 +14,8 @@
 #include "kavlorsettings.h"
 #include "kavlorsplashwindow.h"
 #include "leaveframe.h"
+#include "mediadrop.h"
+#include "messagebox.h"
 #include "navigationcontrolableframe.h"
 #include "navigationframe.h"
 #include "roomscale.h"
@@ -25,6 +27,8 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QTimer>
+
+#include <utility>
 
 namespace {
 
@@ -50,6 +54,8 @@ RootViewController::RootViewController(QSettings *settings, QWidget *parent)
 
     new DoubleTapGuard(m_ui->navigationBar);
     new EnterKey(this);
+    const auto *drop = new MediaDrop(this);
+    connect(drop, &MediaDrop::dropped, this, &RootViewController::openMedia);
 
     connect(this, &RootViewController::WelcomeKavlor, this, &RootViewController::ShowLoginOptions);
     makeRequest();
@@ -242,6 +248,50 @@ void RootViewController::showHome(const QString &userName, const QString &passwo
     connect(bar->cancelButton(), &QPushButton::clicked, frame, &KavlorKnownUser::logoutClick);
     bar->show();
     frame->show();
+    // Not at once: who asked for the home screen has not left yet.
+    QMetaObject::invokeMethod(this, &RootViewController::openWaitingMedia, Qt::QueuedConnection);
+}
+
+void RootViewController::comeForward()
+{
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    raise();
+    activateWindow();
+}
+
+// The frame of this type that the member sees.
+template <typename Frame>
+Frame *RootViewController::shownFrame() const
+{
+    const QList<Frame *> frames =
+        m_ui->mainView->findChildren<Frame *>(QString(), Qt::FindDirectChildrenOnly);
+    for (Frame *frame : frames) {
+        if (!frame->isHidden())
+            return frame;
+    }
+    return nullptr;
+}
+
+void RootViewController::openMedia(const QString &mediaPath)
+{
+    m_waitingMedia = mediaPath;
+    openWaitingMedia();
+    if (!m_waitingMedia.isEmpty() && qobject_cast<NavigationControlableFrame *>(m_bar)) {
+        MessageBox::tell(
+            this, QMessageBox::Information, tr("kavlor media"),
+            tr("%1 will be opened when you are back on the home screen.").arg(m_waitingMedia));
+    }
+}
+
+void RootViewController::openWaitingMedia()
+{
+    if (m_waitingMedia.isEmpty())
+        return;
+    if (auto *home = shownFrame<KavlorKnownUser>())
+        home->uploadClick();
+    auto *wizard = shownFrame<CUploadMediaController>();
+    if (wizard && wizard->canOpenMedia())
+        wizard->openMedia(std::exchange(m_waitingMedia, QString()));
 }
 
 void RootViewController::requestDone(const QString &aResponse, const QString &aError)

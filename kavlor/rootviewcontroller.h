@@ -82,6 +82,14 @@ public slots:
     bool setProgressVisible(bool aVisible = true);
     /** Starts or stops the progress strip (times in ms); false when the bar has none. */
     bool progressAnimation(bool aStart, uint aHowOften = 350, uint aHowLong = 0);
+    /** Brings the window in front of the others. */
+    void comeForward();
+    /**
+     * Opens the upload wizard with the photo or clip @p mediaPath: at once from the home screen
+     * and from the wizard's own first page. From everywhere else it waits until the member is back
+     * at home, who is told so when signed in.
+     */
+    void openMedia(const QString &mediaPath);
     /** Ends the program soon. */
     void exitInitiated();
     void doExit();
@@ -100,6 +108,9 @@ private:
     void forgetMember();
     void makeRequest();
     void showHome(const QString &userName, const QString &password, bool aValidated);
+    void openWaitingMedia();
+    template <typename Frame>
+    Frame *shownFrame() const;
     void deleteBar();
     NavigationControlableFrame *makeControlableBar(const QString &title, const QString &icon);
     const QString &userName() const;
@@ -116,5 +127,6 @@ private:
     QString m_countriesText;
     QString m_categoriesText;
     QString m_notificationOptionsText;
+    QString m_waitingMedia; // a path; empty = none
     QPointer<CKavlorSplashWindow> m_splash;
 };

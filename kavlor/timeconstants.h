@@ -21,6 +21,7 @@ struct TimeConstants
     int categoryDelay = 50;      ///< before a chosen category is handed on
     int stateAnswerWait = 2000;  ///< of the connectionWait, for the daemon to tell its state
     int gconfWait = 2000;        ///< for the GConf server to answer
+    int handOverWait = 2000;     ///< for the program that runs already to take what is handed over
 };
 
 const TimeConstants &timeConstants();

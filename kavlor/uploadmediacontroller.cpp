@@ -186,13 +186,27 @@ void CUploadMediaController::chooseMediaClick()
         tr("Images (*.png *.jpg *.bmp *.gif *.jpeg *.pbm *.pgm *.ppm *.tiff *.xbm *.xpm);; "
            "Video (*.mp4 *.3gp)"));
     // The reply to an upload may have come while the dialog was open.
-    if (!guard || m_leaving || m_page)
+    if (!guard || !canOpenMedia())
         return;
     if (fileName.isEmpty())
         fileName = m_record.mediaPath;
     if (fileName.isEmpty())
         return;
     changeMedia(fileName, isVideo(fileName));
+}
+
+bool CUploadMediaController::canOpenMedia() const
+{
+    return !m_leaving && !m_page;
+}
+
+void CUploadMediaController::openMedia(const QString &path)
+{
+    // A clip is not looked into, and would pass though it is not there.
+    if (QFileInfo(path).isFile())
+        emit pictureIsChosen(path, isVideo(path));
+    else
+        inform(tr("Cannot load %1.").arg(path));
 }
 
 QString CUploadMediaController::startFolder() const

@@ -39,6 +39,11 @@ public:
     CUploadMediaController(CKavlorUser *user, QWidget *parent);
     ~CUploadMediaController() override;
 
+    /** Whether the member may still choose the media: on the first page. */
+    bool canOpenMedia() const;
+    /** Takes the file as if the member had chosen it on the first page. */
+    void openMedia(const QString &path);
+
 signals:
     void pictureIsChosen(QString aFileName, bool aVideo = false);
     /** The media is chosen and shown; its description comes next. */

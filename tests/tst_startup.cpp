@@ -4,6 +4,7 @@
 #include "standingconf.h"
 #include "testcase.h"
 #include "testmain.h"
+#include "testpaths.h"
 #include "wholesystem.h"
 
 #include <QElapsedTimer>
@@ -29,6 +30,13 @@ private slots:
     void aWindowClosedDuringTheStartEndsTheProgram();
     void offlineAWindowClosedDuringTheStartEndsTheProgramAtOnce();
     void aStoppedConnectivityDaemonDoesNotHoldUpTheFirstWindow();
+    void aPhotoGivenToTheStartIsInTheWizardAfterTheLogin();
+    void aSecondStartHandsItsPhotoToTheFirst();
+    void aKilledProgramIsNoObstacleToTheNext();
+    void wrongArgumentsAreToldOnTheTerminal_data();
+    void wrongArgumentsAreToldOnTheTerminal();
+    void helpAndVersionNeedNoDisplay_data();
+    void helpAndVersionNeedNoDisplay();
 
 private:
     QString settingsFile() const;
@@ -46,6 +54,7 @@ void tst_Startup::initTestCase()
 void tst_Startup::cleanup()
 {
     m_system.client->kill();
+    m_system.client->setArguments({});
     QFile::remove(settingsFile());
 }
 
@@ -176,6 +185,103 @@ void tst_Startup::aStoppedConnectivityDaemonDoesNotHoldUpTheFirstWindow()
     qInfo("%s", times.constData());
     // Far below the time of one answer that is waited for, far above what load adds to a start.
     QVERIFY2(withStoppedDaemon < usual + 1500, times.constData());
+}
+
+void tst_Startup::aPhotoGivenToTheStartIsInTheWizardAfterTheLogin()
+{
+    QVERIFY(m_system.startService({QStringLiteral("--seed")}));
+    ClientDriver &client = *m_system.client;
+    const QString photo = m_system.makePhoto(Qt::blue);
+    client.setArguments({photo});
+    QVERIFY2(client.start(), qPrintable(client.error()));
+    QVERIFY2(client.click(QStringLiteral("loginButton"))
+                 && client.type(QStringLiteral("lineUsername"), QStringLiteral("demo"))
+                 && client.type(QStringLiteral("linePassword"), QStringLiteral("demo"))
+                 && client.click(QStringLiteral("loginButton")),
+             qPrintable(client.error()));
+    QVERIFY2(client.waitFor(QStringLiteral("lineCaption")), qPrintable(client.error()));
+    QVERIFY(client.close());
+
+    QVERIFY2(client.start(), qPrintable(client.error())); // the login is remembered now
+    QVERIFY2(client.waitFor(QStringLiteral("lineCaption")), qPrintable(client.error()));
+    QVERIFY(client.close());
+    QCOMPARE(m_system.service.terminate(), 0);
+}
+
+void tst_Startup::aSecondStartHandsItsPhotoToTheFirst()
+{
+    QVERIFY(m_system.startService({QStringLiteral("--seed")}));
+    ClientDriver &client = *m_system.client;
+    remember(QStringLiteral("demo"), QStringLiteral("demo"));
+    QVERIFY2(client.start(), qPrintable(client.error()));
+    QVERIFY2(client.waitFor(QStringLiteral("buttonUpload")), qPrintable(client.error()));
+
+    QCOMPARE(client.startAgain({}), 0);
+    QVERIFY2(client.waitFor(QStringLiteral("buttonUpload")), qPrintable(client.error()));
+    QCOMPARE(client.startAgain({m_system.makePhoto(Qt::red)}), 0);
+    QVERIFY2(client.waitFor(QStringLiteral("lineCaption")), qPrintable(client.error()));
+    QCOMPARE(client.startAgain({QStringLiteral("/nowhere/photo.jpg")}), 0);
+    QCOMPARE(client.closeBox(), QStringLiteral("Cannot load /nowhere/photo.jpg."));
+    QVERIFY(client.waitFor(QStringLiteral("photoClicker"))); // the box is gone
+    QVERIFY2(client.close(), qPrintable(client.error()));
+    QCOMPARE(m_system.service.terminate(), 0);
+}
+
+void tst_Startup::aKilledProgramIsNoObstacleToTheNext()
+{
+    ScriptedService service(nullptr, WholeSystem::servicePort());
+    for (int start = 0; start < 2; ++start)
+        service.expectHeld("GetServiceTerms", "terms");
+    for (int start = 0; start < 2; ++start) {
+        QVERIFY2(m_system.client->start(), qPrintable(m_system.client->error()));
+        QVERIFY2(m_system.client->waitForText(QStringLiteral("progressMessage"),
+                                              QStringLiteral("requesting")),
+                 qPrintable(m_system.client->error()));
+        QTRY_COMPARE(service.operations().size(), start + 1);
+        m_system.client->kill();
+    }
+}
+
+void tst_Startup::wrongArgumentsAreToldOnTheTerminal_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QByteArray>("line");
+    QTest::newRow("unknown option")
+        << QStringList{QStringLiteral("--frob")} << QByteArray("kavlor: Unknown option 'frob'.\n");
+    QTest::newRow("unknown option before a file")
+        << QStringList{QStringLiteral("--frob"), QStringLiteral("a.jpg")}
+        << QByteArray("kavlor: Unknown option 'frob'.\n");
+    QTest::newRow("two files") << QStringList{QStringLiteral("a.jpg"), QStringLiteral("b.jpg")}
+                               << QByteArray("kavlor: Only one file can be opened.\n");
+}
+
+void tst_Startup::wrongArgumentsAreToldOnTheTerminal()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QByteArray, line);
+    const qsizetype before = m_system.client->output().size();
+    QCOMPARE(m_system.client->startAgain(arguments), 2);
+    QCOMPARE(m_system.client->output().mid(before), line);
+}
+
+void tst_Startup::helpAndVersionNeedNoDisplay_data()
+{
+    QTest::addColumn<QString>("argument");
+    QTest::addColumn<QByteArray>("start");
+    QTest::newRow("--help") << QStringLiteral("--help")
+                            << QByteArray("Usage: " KAVLOR_CLIENT " [options] [file]\n");
+    QTest::newRow("--version") << QStringLiteral("--version")
+                               << QByteArray("kavlor " KAVLOR_VERSION "\n");
+}
+
+void tst_Startup::helpAndVersionNeedNoDisplay()
+{
+    QFETCH(QString, argument);
+    QFETCH(QByteArray, start);
+    ClientDriver client;
+    client.setEnvironment(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("nowhere"));
+    QCOMPARE(client.startAgain({argument}), 0);
+    QVERIFY2(client.output().startsWith(start), client.output().constData());
 }
 
 KAVLOR_TEST_MAIN(tst_Startup)

@@ -27,6 +27,7 @@ void tst_TimeConstants::programWaitsForTheseTimes()
     QCOMPARE(times.uploadTimeout, 1800000);
     QCOMPARE(times.rotationDelay, 50);
     QCOMPARE(times.categoryDelay, 50);
+    QCOMPARE(times.handOverWait, 2000);
 }
 
 QTEST_GUILESS_MAIN(tst_TimeConstants)

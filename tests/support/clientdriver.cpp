@@ -67,6 +67,32 @@ QString ClientDriver::home() const
     return m_home;
 }
 
+void ClientDriver::setArguments(const QStringList &arguments)
+{
+    m_arguments = arguments;
+}
+
+QProcessEnvironment ClientDriver::environmentOfTheProgram() const
+{
+    QProcessEnvironment environment = m_environment;
+    environment.insert(QStringLiteral("HOME"), m_home);
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home + QStringLiteral("/.config"));
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_home);
+    return environment;
+}
+
+int ClientDriver::startAgain(const QStringList &arguments)
+{
+    QProcess second;
+    second.setProcessChannelMode(QProcess::MergedChannels);
+    second.setProcessEnvironment(environmentOfTheProgram());
+    second.start(m_program, arguments);
+    const bool ended = second.waitForStarted()
+        && QTest::qWaitFor([&second] { return second.state() == QProcess::NotRunning; }, patience);
+    m_output += second.readAll();
+    return ended && second.exitStatus() == QProcess::NormalExit ? second.exitCode() : -1;
+}
+
 bool ClientDriver::start()
 {
     delete m_socket;
@@ -77,15 +103,12 @@ bool ClientDriver::start()
         m_error = m_server.errorString();
         return false;
     }
-    QProcessEnvironment environment = m_environment;
-    environment.insert(QStringLiteral("HOME"), m_home);
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home + QStringLiteral("/.config"));
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_home);
+    QProcessEnvironment environment = environmentOfTheProgram();
     environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("kavlordriver"));
     environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(KAVLOR_DRIVER_PLUGINS));
     environment.insert(QStringLiteral("KAVLOR_DRIVER_SOCKET"), m_server.fullServerName());
     m_process.setProcessEnvironment(environment);
-    m_process.start(m_program, QStringList());
+    m_process.start(m_program, m_arguments);
     if (!m_process.waitForStarted() || !m_server.waitForNewConnection(patience)) {
         m_error = QStringLiteral("the client did not start: ") + QString::fromLocal8Bit(output());
         return false;
@@ -283,6 +306,7 @@ QString ClientDriver::error() const
 
 QByteArray ClientDriver::output()
 {
-    m_output += m_process.readAll();
+    if (m_process.isOpen())
+        m_output += m_process.readAll();
     return m_output;
 }

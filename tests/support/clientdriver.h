@@ -34,6 +34,13 @@ public:
     /** The program to start; unless set, the client as it was built. */
     void setProgram(const QString &path);
     QString home() const;
+    /** What the program is started with from now on. */
+    void setArguments(const QStringList &arguments);
+    /**
+     * Starts the program a second time beside the running one, with @p arguments, and waits for
+     * its end; its exit code, or -1. What it wrote follows in output().
+     */
+    int startAgain(const QStringList &arguments);
 
     bool start();
     bool isRunning() const;
@@ -78,11 +85,13 @@ public:
 private:
     QJsonObject ask(const QJsonObject &question);
     bool until(const QJsonObject &command);
+    QProcessEnvironment environmentOfTheProgram() const;
     static QJsonObject cellCommand(const char *action, const QString &table, int row, int column);
 
     QTemporaryDir m_ownHome;
     QString m_home;
     QString m_program;
+    QStringList m_arguments;
     QProcessEnvironment m_environment;
     QProcess m_process;
     QLocalServer m_server;
