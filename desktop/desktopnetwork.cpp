@@ -9,16 +9,22 @@ DesktopNetwork::DesktopNetwork(QObject *parent)
 {
     if (!QNetworkInformation::loadBackendByFeatures(QNetworkInformation::Feature::Reachability))
         return;
-    connect(QNetworkInformation::instance(), &QNetworkInformation::reachabilityChanged, this,
-            [this](QNetworkInformation::Reachability reachability) {
-                emit stateChanged(stateOf(reachability));
-            });
+    const QNetworkInformation *network = QNetworkInformation::instance();
+    const auto report = [this] { emit stateChanged(state()); };
+    connect(network, &QNetworkInformation::reachabilityChanged, this, report);
+    connect(network, &QNetworkInformation::isBehindCaptivePortalChanged, this, report);
 }
 
 quint32 DesktopNetwork::state() const
 {
     const QNetworkInformation *network = QNetworkInformation::instance();
-    return stateOf(network ? network->reachability() : QNetworkInformation::Reachability::Unknown);
+    if (!network)
+        return stateOf(QNetworkInformation::Reachability::Unknown);
+    const quint32 state = stateOf(network->reachability());
+    // Behind a portal everything is answered, but by the portal.
+    return state == ConnectionState::Connected && network->isBehindCaptivePortal()
+        ? quint32(ConnectionState::LimitedEnabled)
+        : state;
 }
 
 quint32 DesktopNetwork::stateOf(QNetworkInformation::Reachability reachability)

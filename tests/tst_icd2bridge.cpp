@@ -69,15 +69,25 @@ public:
     void setState(uint state)
     {
         m_state = state;
+        tell("State", state);
+    }
+    void setConnectivity(uint connectivity)
+    {
+        m_connectivity = connectivity;
+        tell("Connectivity", connectivity);
+    }
+
+private:
+    static void tell(const char *property, uint value)
+    {
         QDBusMessage change = QDBusMessage::createSignal(
             QLatin1String(networkPath), QStringLiteral("org.freedesktop.DBus.Properties"),
             QStringLiteral("PropertiesChanged"));
         change.setArguments({QLatin1String(networkName),
-                             QVariantMap{{QStringLiteral("State"), state}}, QStringList()});
+                             QVariantMap{{QLatin1String(property), value}}, QStringList()});
         QDBusConnection::systemBus().send(change);
     }
 
-private:
     uint m_state;
     uint m_connectivity = 4;
 };
@@ -124,6 +134,7 @@ private slots:
     void refusesSignedNumbers();
     void bringsTheClientOnline();
     void followsTheDesktopsNetwork();
+    void isLimitedBehindACaptivePortal();
     void isOnlineWhereTheDesktopCannotTell();
     void servesTheBusItIsGiven();
     void wrongOptionsAreErrors_data();
@@ -326,6 +337,32 @@ void tst_Icd2Bridge::followsTheDesktopsNetwork()
     states.append(0);
     QTRY_COMPARE(m_reports->states(), states);
     QCOMPARE(callDaemon("state_req").arguments(), (QList<QVariant>{0U}));
+
+    bus.unregisterService(QLatin1String(networkName));
+}
+
+void tst_Icd2Bridge::isLimitedBehindACaptivePortal()
+{
+    NetworkService network(70);
+    QDBusConnection bus = QDBusConnection::systemBus();
+    QVERIFY(bus.registerObject(QLatin1String(networkPath), &network,
+                               QDBusConnection::ExportAllProperties));
+    QVERIFY(bus.registerService(QLatin1String(networkName)));
+    QVERIFY(start({}));
+    callDaemon("state_req");
+    QTRY_COMPARE(m_reports->states(), QList<quint32>{2});
+
+    // Portal, the whole Internet, portal, and the network lost behind it and back.
+    network.setConnectivity(2);
+    QTRY_COMPARE(m_reports->states(), (QList<quint32>{2, 4}));
+    network.setConnectivity(4);
+    QTRY_COMPARE(m_reports->states(), (QList<quint32>{2, 4, 2}));
+    network.setConnectivity(2);
+    QTRY_COMPARE(m_reports->states(), (QList<quint32>{2, 4, 2, 4}));
+    network.setState(20);
+    QTRY_COMPARE(m_reports->states(), (QList<quint32>{2, 4, 2, 4, 0}));
+    network.setState(70);
+    QTRY_COMPARE(m_reports->states(), (QList<quint32>{2, 4, 2, 4, 0, 4}));
 
     bus.unregisterService(QLatin1String(networkName));
 }
