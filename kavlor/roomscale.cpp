@@ -114,7 +114,7 @@ QString RoomScale::styleSheet(const QString &sheet, qreal scale)
 
 void RoomScale::apply(const Measure &measure)
 {
-    m_measures.append(measure);
+    add(m_frame, measure);
     measure(m_scale);
 }
 
@@ -126,31 +126,40 @@ void RoomScale::setPicture(QLabel *label, const QString &path, int height)
         picture.setDevicePixelRatio(ratio);
         label->setPixmap(picture);
     };
-    m_pictures.insert(label, show);
+    m_pictures.insert(label, {label, show});
     show(m_scale);
+}
+
+void RoomScale::add(QObject *measured, const Measure &measure)
+{
+    m_steps.append({measured, measure});
+}
+
+void RoomScale::run(const Step &step) const
+{
+    if (step.measured)
+        step.measure(m_scale);
 }
 
 void RoomScale::measure(QWidget *widget)
 {
     const QString sheet = widget->styleSheet();
     if (!sheet.isEmpty()) {
-        m_measures.append(
+        add(widget,
             [widget, sheet](qreal scale) { widget->setStyleSheet(styleSheet(sheet, scale)); });
     }
     const QSize least = widget->minimumSize();
     if (!least.isNull()) {
-        m_measures.append(
-            [widget, least](qreal scale) { widget->setMinimumSize(times(least, scale)); });
+        add(widget, [widget, least](qreal scale) { widget->setMinimumSize(times(least, scale)); });
     }
     const QSize most = widget->maximumSize();
     if (most != QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX)) {
-        m_measures.append(
-            [widget, most](qreal scale) { widget->setMaximumSize(times(most, scale)); });
+        add(widget, [widget, most](qreal scale) { widget->setMaximumSize(times(most, scale)); });
     }
     auto *button = qobject_cast<QAbstractButton *>(widget);
     if (button && !button->icon().isNull()) {
         const QSize icon = button->iconSize();
-        m_measures.append([button, icon](qreal scale) { button->setIconSize(times(icon, scale)); });
+        add(button, [button, icon](qreal scale) { button->setIconSize(times(icon, scale)); });
     }
 }
 
@@ -158,18 +167,18 @@ void RoomScale::measure(QLayout *layout)
 {
     if (layout->parent() != m_frame || layout != m_frame->layout()) {
         const QMargins margins = layout->contentsMargins();
-        m_measures.append(
+        add(layout,
             [layout, margins](qreal scale) { layout->setContentsMargins(times(margins, scale)); });
     }
     if (auto *grid = qobject_cast<QGridLayout *>(layout)) {
         const QSize spacing(grid->horizontalSpacing(), grid->verticalSpacing());
-        m_measures.append([grid, spacing](qreal scale) {
+        add(grid, [grid, spacing](qreal scale) {
             grid->setHorizontalSpacing(times(spacing.width(), scale));
             grid->setVerticalSpacing(times(spacing.height(), scale));
         });
     } else if (auto *box = qobject_cast<QBoxLayout *>(layout)) {
         const int spacing = box->spacing();
-        m_measures.append([box, spacing](qreal scale) { box->setSpacing(times(spacing, scale)); });
+        add(box, [box, spacing](qreal scale) { box->setSpacing(times(spacing, scale)); });
     }
 }
 
@@ -190,10 +199,10 @@ void RoomScale::follow()
     if (scale == m_scale)
         return;
     m_scale = scale;
-    for (const Measure &measure : std::as_const(m_measures))
-        measure(scale);
-    for (const Measure &show : std::as_const(m_pictures))
-        show(scale);
+    for (const Step &step : std::as_const(m_steps))
+        run(step);
+    for (const Step &step : std::as_const(m_pictures))
+        run(step);
     placeColumn();
     // Its layout has already been told of the window's size, before this.
     if (m_frame->layout())

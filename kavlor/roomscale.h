@@ -66,8 +66,17 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    // What is measured may go before the frame does, and its measure with it.
+    struct Step
+    {
+        QPointer<QObject> measured;
+        Measure measure;
+    };
+
     void measure(QWidget *widget);
     void measure(QLayout *layout);
+    void add(QObject *measured, const Measure &measure);
+    void run(const Step &step) const;
     void follow();
     void placeColumn();
 
@@ -75,7 +84,7 @@ private:
     QPointer<QWidget> m_window;
     const QSize m_largest;
     QMargins m_margins; // of the frame's layout at scale 1
-    QList<Measure> m_measures;
-    QHash<QLabel *, Measure> m_pictures;
+    QList<Step> m_steps;
+    QHash<QLabel *, Step> m_pictures;
     qreal m_scale = 1;
 };

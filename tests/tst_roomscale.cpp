@@ -63,6 +63,7 @@ private slots:
     void aWindowThatComesBackLooksAsBefore();
     void theContentStaysInTheMiddle();
     void whatAFrameMeasuresByItselfFollows();
+    void whatHasGoneIsLeftOut();
     void aBarThatComesLaterHasTheScaleOfItsWindow();
 };
 
@@ -201,6 +202,23 @@ void tst_RoomScale::whatAFrameMeasuresByItselfFollows()
     QTRY_COMPARE(form.width(), 1281);
     window.resize(1920, 1080);
     QTRY_COMPARE(scales, (QList<qreal>{1, 1.25, 1.6}));
+}
+
+void tst_RoomScale::whatHasGoneIsLeftOut()
+{
+    FrameArea window;
+    window.resize(800, 424);
+    Form form(&window);
+    auto *row = new QHBoxLayout;
+    form.grid->addLayout(row, 1, 1);
+    new RoomScale(&form); // which knows the row as well
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    delete form.button;
+    delete form.picture;
+    delete row;
+    window.resize(1920, 1080);
+    QTRY_COMPARE(form.line->maximumWidth(), 480);
 }
 
 void tst_RoomScale::aBarThatComesLaterHasTheScaleOfItsWindow()
