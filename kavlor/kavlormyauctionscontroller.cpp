@@ -77,6 +77,7 @@ void CKavlorMyAuctionsController::prepareTable()
 
 void CKavlorMyAuctionsController::fetchList()
 {
+    announce(m_ui->labelPleaseWait);
     m_http->getMyAuctions(m_user->field(CKavlorUser::Username),
                           m_user->field(CKavlorUser::Password));
 }

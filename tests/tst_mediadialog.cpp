@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "contrast.h"
+#include "focusring.h"
 #include "keyboard.h"
 #include "mediadialog.h"
 #include "testcase.h"
@@ -35,6 +36,7 @@ private slots:
     void rowsCanBeTapped();
     void everythingIsReadable_data();
     void everythingIsReadable();
+    void focusIsSeenOnEveryPart();
     void aTapOpensAFolderAndChoosesAPhoto();
     void aDragScrollsAndChoosesNothing();
     void aTypedPathIsChosen();
@@ -272,6 +274,15 @@ void tst_MediaDialog::everythingIsReadable()
             QVERIFY2(found >= 4.5,
                      qPrintable(QStringLiteral("%1: %2").arg(QLatin1String(name)).arg(found)));
         }
+    });
+}
+
+void tst_MediaDialog::focusIsSeenOnEveryPart()
+{
+    inDialog([](MediaDialog *dialog) {
+        QVERIFY(
+            QTest::qWaitFor([&] { return rowOf(dialog, QStringLiteral("a boat.jpg")).isValid(); }));
+        QCOMPARE(unseenFocus(), QString());
     });
 }
 

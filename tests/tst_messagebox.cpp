@@ -2,6 +2,7 @@
 
 #include "auctionlist.h"
 #include "contrast.h"
+#include "focusring.h"
 #include "framecreateaccount.h"
 #include "framestage.h"
 #include "httptolvex.h"
@@ -45,6 +46,8 @@ private slots:
     void aReplyOfManyMegabytesIsShownAtOnce();
     void detailsStayOnTheScreen();
     void growsWithTheWindowThatTells();
+    void focusIsSeen_data();
+    void focusIsSeen();
 
     void tellSaysWhetherTheFrameIsStillThere_data();
     void tellSaysWhetherTheFrameIsStillThere();
@@ -586,6 +589,33 @@ void tst_MessageBox::growsWithTheWindowThatTells()
     QVERIFY(qAbs(buttons.at(1) - 1.6 * buttons.at(0)) <= 2);
     QVERIFY2(qAbs(icons.at(1) - 1.6 * icons.at(0)) <= 1,
              qPrintable(QStringLiteral("%1, %2").arg(icons.at(0)).arg(icons.at(1))));
+}
+
+void tst_MessageBox::focusIsSeen_data()
+{
+    QTest::addColumn<QString>("question");
+    QTest::newRow("question") << "Really?";
+    QTest::newRow("details") << lines(40);
+}
+
+void tst_MessageBox::focusIsSeen()
+{
+    QFETCH(const QString, question);
+    FrameStage stage;
+    QWidget frame(stage.area());
+    QString faults = QStringLiteral("no box");
+    stage.dialogs.beforeNextAnswer([&] {
+        QMessageBox *box = openBox();
+        for (QAbstractButton *button : box->buttons()) {
+            if (box->buttonRole(button) == QMessageBox::ActionRole)
+                button->click(); // shows the details
+        }
+        box->activateWindow();
+        QTRY_VERIFY(box->isAncestorOf(QApplication::focusWidget()));
+        faults = unseenFocus();
+    });
+    MessageBox::ask(&frame, QStringLiteral("title"), question);
+    QCOMPARE(faults, QString());
 }
 
 void tst_MessageBox::tellSaysWhetherTheFrameIsStillThere_data()

@@ -100,6 +100,8 @@ void DialogAnswers::answer(QObject *dialog)
         return;
     ++m_fileDialogs;
     m_lastFolder = files->directory().absolutePath();
+    if (!files->isVisible())
+        return; // answered by what came before the answer
     const QString path = m_files.isEmpty() ? QString() : m_files.takeFirst();
     if (path.isEmpty()) {
         QTest::keyClick(files, Qt::Key_Escape);
