@@ -498,7 +498,7 @@ void tst_Icd2Bridge::aFloodOfCallsFillsNoMemory()
     QCOMPARE(QDBusConnection::systemBus().call(request, QDBus::Block, allBefore).arguments(),
              (QList<QVariant>{1U}));
     const qint64 most = peakMemoryOf(m_bridge->processId());
-    QVERIFY2(most > 0 && most < 60 * 1024, qPrintable(QString::number(most)));
+    QVERIFY2(most > 0 && most < 60LL * 1024, qPrintable(QString::number(most)));
 }
 
 void tst_Icd2Bridge::failsWithoutABus()

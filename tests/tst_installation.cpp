@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: MIT
 
 #include "clientdriver.h"
+#include "patience.h"
 #include "testcase.h"
 #include "testmain.h"
 #include "testpaths.h"
 
 #include <QDirIterator>
 #include <QFile>
+#include <QImage>
 #include <QProcess>
 #include <QTemporaryDir>
 
@@ -19,9 +21,11 @@ private slots:
     void theClientStartsFromWhereItWasInstalled();
     void theBusFindsTheBridgeUnderItsPrefix();
     void theServiceComesAlone();
+    void aHandheldGetsItsOwnLauncher();
 
 private:
     bool install(const char *component);
+    bool cmake(const QStringList &arguments);
     QStringList programs() const;
 
     QTemporaryDir m_prefix;
@@ -30,13 +34,17 @@ private:
 bool tst_Installation::install(const char *component)
 {
     QDir(m_prefix.path()).removeRecursively();
+    return cmake({QStringLiteral("--install"), QStringLiteral(KAVLOR_BUILD),
+                  QStringLiteral("--component"), QLatin1String(component),
+                  QStringLiteral("--prefix"), m_prefix.path()});
+}
+
+bool tst_Installation::cmake(const QStringList &arguments)
+{
     QProcess cmake;
     cmake.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    cmake.start(QStringLiteral(KAVLOR_CMAKE),
-                {QStringLiteral("--install"), QStringLiteral(KAVLOR_BUILD),
-                 QStringLiteral("--component"), QLatin1String(component),
-                 QStringLiteral("--prefix"), m_prefix.path()});
-    return cmake.waitForFinished() && cmake.exitCode() == 0;
+    cmake.start(QStringLiteral(KAVLOR_CMAKE), arguments);
+    return cmake.waitForFinished(patience) && cmake.exitCode() == 0;
 }
 
 QStringList tst_Installation::programs() const
@@ -71,6 +79,30 @@ void tst_Installation::theServiceComesAlone()
 {
     QVERIFY(install("localservice"));
     QCOMPARE(programs(), QStringList{QStringLiteral("kavlor-localservice")});
+}
+
+// Only what lies beside the program is installed, since another build of that would take minutes.
+void tst_Installation::aHandheldGetsItsOwnLauncher()
+{
+    QDir(m_prefix.path()).removeRecursively();
+    const QTemporaryDir build;
+    QVERIFY(cmake({QStringLiteral("-S"), QStringLiteral(KAVLOR_SOURCE), QStringLiteral("-B"),
+                   build.path(), QStringLiteral("-DKAVLOR_HANDHELD=ON"),
+                   QStringLiteral("-DBUILD_TESTING=OFF"), QStringLiteral("-DKAVLOR_BRIDGE=OFF"),
+                   QStringLiteral("-DKAVLOR_LOCALSERVICE=OFF")}));
+    QVERIFY(cmake({QStringLiteral("-DCMAKE_INSTALL_PREFIX=") + m_prefix.path(),
+                   QStringLiteral("-DCMAKE_INSTALL_COMPONENT=client"), QStringLiteral("-P"),
+                   build.filePath(QStringLiteral("desktop/cmake_install.cmake"))}));
+
+    QStringList files;
+    QDirIterator file(m_prefix.path(), QDir::Files, QDirIterator::Subdirectories);
+    while (file.hasNext())
+        files.append(QDir(m_prefix.path()).relativeFilePath(file.next()));
+    files.sort();
+    QCOMPARE(files,
+             (QStringList{QStringLiteral("share/applications/hildon/kavlor.desktop"),
+                          QStringLiteral("share/icons/hicolor/64x64/apps/kavlor.png")}));
+    QCOMPARE(QImage(m_prefix.filePath(files.constLast())).size(), QSize(64, 64));
 }
 
 KAVLOR_TEST_MAIN(tst_Installation)
