@@ -1,50 +1,42 @@
 // SPDX-License-Identifier: MIT
 
-// What the auctions list costs with few and with very many auctions. The shorter list is the peer
-// of the longer one: both show the same number of rows, so that each operation should cost the
-// same. Loading alone grows with the list and is given for one row.
+// What the auctions list costs with few and with very many auctions, in milliseconds of processor
+// time, against plain tables of the toolkit and against itself with few.
 
 #include "auctionlist.h"
+#include "auctionstrip.h"
+#include "costs.h"
 #include "kavlormyauctionscontroller.h"
 #include "kavlormyauctionsmodel.h"
 #include "kavloruser.h"
+#include "table.h"
 #include "testconstants.h"
 
+#include <QAbstractTableModel>
 #include <QApplication>
-#include <QCommandLineParser>
-#include <QElapsedTimer>
+#include <QHeaderView>
 #include <QPixmapCache>
 #include <QScrollBar>
+#include <QSignalSpy>
+#include <QStandardItemModel>
 #include <QTableView>
-#include <QTextStream>
-
-#include <algorithm>
-#include <functional>
 
 namespace {
 
-constexpr int fewRows = 10;
-constexpr int manyRows = 10000;
+constexpr QSize windowSize(800, 424);
+constexpr int warmRows = 40; // of which the pictures are ready in the cache
 
-struct Operation
+void settle()
 {
-    QString name;
-    std::function<double(int rows, int repeats)> measure; // in microseconds
-};
+    QApplication::processEvents();
+    QApplication::processEvents();
+}
 
-// The median of several runs of what is to be measured, each prepared anew.
-double median(int repeats, const std::function<void()> &prepare, const std::function<void()> &run)
+// All that is seen of it, at once: what the window system asks for may be put off.
+void paint(QTableView *table)
 {
-    QList<double> times;
-    for (int i = 0; i < repeats; ++i) {
-        prepare();
-        QElapsedTimer timer;
-        timer.start();
-        run();
-        times.append(static_cast<double>(timer.nsecsElapsed()) / 1000);
-    }
-    std::sort(times.begin(), times.end());
-    return times.at(times.size() / 2);
+    table->viewport()->repaint();
+    QApplication::processEvents();
 }
 
 // The frame on the screen with its list.
@@ -54,25 +46,30 @@ public:
     explicit ShownList(int rows)
         : m_frame(&m_user, nullptr)
     {
-        QPixmapCache::clear();
-        m_frame.resize(800, 480);
+        m_frame.resize(windowSize);
         m_frame.show();
-        m_frame.myAuctions(auctionReply(rows));
         m_table = m_frame.findChild<QTableView *>();
-        QApplication::processEvents();
+        settle();
+        if (rows > 0)
+            showReply(auctionReply(rows));
     }
 
-    CKavlorMyAuctionsController *frame()
+    void showReply(const QString &reply)
     {
-        return &m_frame;
+        m_frame.myAuctions(reply);
+        settle();
     }
-    QScrollBar *position() const
+    CKavlorMyAuctionsController &frame()
     {
-        return m_table->verticalScrollBar();
+        return m_frame;
     }
-    void paint() const
+    CKavlorMyAuctionsModel *model() const
     {
-        m_table->viewport()->grab();
+        return m_frame.findChild<CKavlorMyAuctionsModel *>();
+    }
+    QTableView *table() const
+    {
+        return m_table;
     }
 
 private:
@@ -81,109 +78,242 @@ private:
     QTableView *m_table = nullptr;
 };
 
-double loadOneRow(int rows, int repeats)
+// Ready pixmaps in as many cells as the list has.
+class ReadyPictures : public QAbstractTableModel
 {
-    const QString reply = auctionReply(rows);
-    CKavlorMyAuctionsModel model;
-    return median(
-               repeats, [] { QPixmapCache::clear(); }, [&] { model.load(reply); })
-        / rows;
+public:
+    explicit ReadyPictures(int rows)
+        : m_rows(rows)
+    {
+        for (int row = 0; row < qMin(rows, warmRows); ++row) {
+            CAuctionRow auction;
+            auction.title = QStringLiteral("Auction %1").arg(row);
+            QPixmap thumbnail(CKavlorMyAuctionsModel::cellSize(CKavlorMyAuctionsModel::Thumbnail));
+            thumbnail.fill(Qt::darkGreen);
+            m_pictures.append({thumbnail, paintAuctionStrip(auction, 1)});
+        }
+    }
+    int rowCount(const QModelIndex &parent = {}) const override
+    {
+        return parent.isValid() ? 0 : m_rows;
+    }
+    int columnCount(const QModelIndex &parent = {}) const override
+    {
+        return parent.isValid() ? 0 : 2;
+    }
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override
+    {
+        if (role != Qt::DecorationRole)
+            return {};
+        return m_pictures.at(index.row() % m_pictures.size()).at(index.column());
+    }
+
+private:
+    const int m_rows;
+    QList<QList<QPixmap>> m_pictures;
+};
+
+void setUpPlainTable(QTableView *table)
+{
+    const QSize strip = CKavlorMyAuctionsModel::cellSize(CKavlorMyAuctionsModel::Info);
+    table->horizontalHeader()->hide();
+    table->verticalHeader()->hide();
+    table->setAlternatingRowColors(true);
+    table->setShowGrid(false);
+    table->verticalHeader()->setDefaultSectionSize(strip.height());
+    table->horizontalHeader()->setDefaultSectionSize(120);
+    table->resize(windowSize);
 }
 
-double paintAgain(int rows, int repeats)
+double showList(const QString &reply)
 {
-    const ShownList list(rows);
-    return median(
-        repeats, [] { QApplication::processEvents(); }, [&list] { list.paint(); });
+    QPixmapCache::clear();
+    ShownList list(0);
+    return costOf([&] { list.showReply(reply); });
 }
 
-double paintAnew(int rows, int repeats)
+// The same lines with the same numbers, each in the cell that shows it.
+double showStandardItems(const QString &reply)
 {
-    const ShownList list(rows);
-    const auto prepare = [] {
-        QApplication::processEvents();
-        QPixmapCache::clear();
-    };
-    return median(repeats, prepare, [&list] { list.paint(); });
-}
-
-double takeThumbnail(int rows, int repeats)
-{
-    ShownList list(rows);
-    QPixmap thumbnail(220, 165);
-    thumbnail.fill(Qt::darkGreen);
-    return median(
-        repeats, [] { QApplication::processEvents(); },
-        [&list, &thumbnail] {
-            list.frame()->thumbnail(1, thumbnail);
-            list.paint();
-        });
-}
-
-double scrollAPage(int rows, int repeats)
-{
-    const ShownList list(rows);
-    bool down = false;
-    const auto prepare = [&down] {
-        QApplication::processEvents();
-        down = !down;
-    };
-    return median(repeats, prepare, [&list, &down] {
-        list.position()->setValue(down ? 400 : 0);
-        list.paint();
+    QTableView table;
+    setUpPlainTable(&table);
+    QStandardItemModel model;
+    return costOf([&] {
+        const QStringList lines = reply.split(QLatin1Char('\n'));
+        for (const QString &line : lines.mid(1)) {
+            const QStringList items = line.split(QLatin1Char(','));
+            if (items.size() < 11)
+                break;
+            model.appendRow({new QStandardItem, new QStandardItem(items.at(1))});
+        }
+        table.setModel(&model);
+        table.show();
+        settle();
     });
 }
 
-QList<Operation> operations()
+void measureShowing(Table *table)
 {
-    return {
-        {QStringLiteral("load"), loadOneRow},      {QStringLiteral("paint"), paintAgain},
-        {QStringLiteral("paint-anew"), paintAnew}, {QStringLiteral("thumbnail"), takeThumbnail},
-        {QStringLiteral("scroll"), scrollAPage},
+    const auto cost = [](double (*show)(const QString &)) {
+        return [show](int rows) { return show(auctionReply(rows)); };
     };
+    table->compareSizes(
+        QStringLiteral("a reply with %1 auctions shown"), 6,
+        {table->scaled(1000, 10), table->scaled(10000, 20), table->scaled(100000, 30)},
+        {QString(), cost(&showList)}, {QStringLiteral("standard items"), cost(&showStandardItems)});
+    table->compare(
+        QStringLiteral("a reply with 100,000 auctions shown, against one with 10,000"), 11,
+        [=] { return showList(auctionReply(table->scaled(100000, 100))); },
+        QStringLiteral("10,000"), [=] { return showList(auctionReply(table->scaled(10000, 10))); });
+}
+
+// There and back, so that only rows are seen whose pictures are ready.
+double scrollPages(QTableView *table, int pages)
+{
+    const int rows = table->viewport()->height()
+        / CKavlorMyAuctionsModel::cellSize(CKavlorMyAuctionsModel::Info).height();
+    const bool byPixels = table->verticalScrollMode() == QAbstractItemView::ScrollPerPixel;
+    const int page = rows * (byPixels ? table->rowHeight(0) : 1);
+    return costOf([&] {
+        for (int i = 0; i < pages; ++i) {
+            table->verticalScrollBar()->setValue(i % 4 * page);
+            paint(table);
+        }
+    });
+}
+
+double scrollList(int rows, int pages)
+{
+    QPixmapCache::clear();
+    ShownList list(rows);
+    QPixmap thumbnail(220, 165);
+    thumbnail.fill(Qt::darkGreen);
+    for (int id = 1; id <= qMin(rows, warmRows); ++id)
+        list.frame().thumbnail(uint(id), thumbnail);
+    scrollPages(list.table(), 8);
+    return scrollPages(list.table(), pages);
+}
+
+double scrollPlainTable(int rows, int pages)
+{
+    ReadyPictures model(rows);
+    QTableView table;
+    setUpPlainTable(&table);
+    table.setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    table.setModel(&model);
+    table.setColumnWidth(1, 680);
+    table.show();
+    settle();
+    scrollPages(&table, 8);
+    return scrollPages(&table, pages);
+}
+
+void measureScrolling(Table *table)
+{
+    const int pages = table->scaled(100, 4);
+    table->compareSizes(QStringLiteral("100 pages of scrolling among %1 rows, warm"), 1.3,
+                        {table->scaled(100, 20), table->scaled(1000, 30), table->scaled(10000, 40)},
+                        {QString(), [=](int rows) { return scrollList(rows, pages); }},
+                        {QStringLiteral("table with ready pixmaps"),
+                         [=](int rows) { return scrollPlainTable(rows, pages); }});
+}
+
+double scrollThrough(int rows)
+{
+    QPixmapCache::clear();
+    ShownList list(rows);
+    QScrollBar *position = list.table()->verticalScrollBar();
+    const int step = list.table()->verticalScrollMode() == QAbstractItemView::ScrollPerPixel
+        ? list.table()->rowHeight(0)
+        : 1;
+    const int page = list.table()->viewport()->height() / list.table()->rowHeight(0) * step;
+    return costOf([&] {
+        for (int value = 0; value <= position->maximum(); value += page) {
+            position->setValue(value);
+            paint(list.table());
+        }
+    });
+}
+
+double paintStrips(int rows)
+{
+    CKavlorMyAuctionsModel model;
+    model.load(auctionReply(rows));
+    return costOf([&] {
+        for (int row = 0; row < rows; ++row)
+            paintAuctionStrip(model.auction(model.auctionId(row)), 1);
+    });
+}
+
+void measureColdScrolling(Table *table)
+{
+    table->compareSizes(QStringLiteral("%1 rows from top to bottom, cold"), 1.4,
+                        {table->scaled(100, 5), table->scaled(1000, 10), table->scaled(10000, 20)},
+                        {QString(), &scrollThrough},
+                        {QStringLiteral("painting the strips"), &paintStrips});
+}
+
+double takeThumbnails(int rows, int count)
+{
+    QPixmapCache::clear();
+    ShownList list(rows);
+    QPixmap thumbnail(220, 165);
+    thumbnail.fill(Qt::darkGreen);
+    const auto take = [&] {
+        list.frame().thumbnail(1, thumbnail);
+        paint(list.table());
+    };
+    take();
+    return costOf([&] {
+        for (int i = 0; i < count; ++i)
+            take();
+    });
+}
+
+void measureThumbnails(Table *table)
+{
+    const int count = table->scaled(100, 2);
+    table->compareSizes(
+        QStringLiteral("100 thumbnails arriving among %1 rows"), 1.1,
+        {table->scaled(1000, 20), table->scaled(10000, 30), table->scaled(100000, 40)},
+        {QString(), [=](int rows) { return takeThumbnails(rows, count); }},
+        {QStringLiteral("among 10 rows"), [=](int) { return takeThumbnails(10, count); }});
+}
+
+// Until the first of them has come, in a window in which so many rows are seen.
+double thumbnailsAskedFor(int seen)
+{
+    QPixmapCache::clear();
+    ShownList list(0);
+    list.frame().resize(windowSize.width(), seen * 90);
+    settle();
+    const QSignalSpy asked(list.model(), &CKavlorMyAuctionsModel::requestThumb);
+    list.showReply(auctionReply(10 * seen));
+    QPixmap thumbnail(220, 165);
+    thumbnail.fill(Qt::darkGreen);
+    list.frame().thumbnail(1, thumbnail);
+    settle();
+    return double(asked.count());
+}
+
+void measureAsking(Table *table)
+{
+    table->compareSizes(QStringLiteral("thumbnails asked for when %1 rows are seen first"), 2,
+                        {4, 8, 16}, {QString(), &thumbnailsAskedFor},
+                        {QStringLiteral("rows seen"), [](int seen) { return double(seen); }});
 }
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    QApplication app(argc, argv);
+    const QApplication app(argc, argv);
     testTimeConstants().connectionWait = 0; // nothing is sent
-
-    QCommandLineParser parser;
-    parser.addHelpOption();
-    const QCommandLineOption only(QStringLiteral("only"), QStringLiteral("Measure one operation."),
-                                  QStringLiteral("operation"));
-    const QCommandLineOption rowsOption(QStringLiteral("rows"),
-                                        QStringLiteral("Measure one length of the list, to count "
-                                                       "instructions: what a further repeat adds."),
-                                        QStringLiteral("number"));
-    const QCommandLineOption repeatOption(QStringLiteral("repeat"),
-                                          QStringLiteral("Take the median of so many runs."),
-                                          QStringLiteral("number"), QStringLiteral("51"));
-    parser.addOptions({only, rowsOption, repeatOption});
-    parser.process(app);
-    const int repeats = std::max(1, parser.value(repeatOption).toInt());
-
-    QTextStream out(stdout);
-    out << QStringLiteral("auctions list, microseconds; load is for one row\n");
-    for (const Operation &operation : operations()) {
-        if (parser.isSet(only) && parser.value(only) != operation.name)
-            continue;
-        out << qSetFieldWidth(12) << Qt::left << operation.name << qSetFieldWidth(0);
-        if (parser.isSet(rowsOption)) {
-            out << operation.measure(parser.value(rowsOption).toInt(), repeats) << Qt::endl;
-            continue;
-        }
-        const double few = operation.measure(fewRows, repeats);
-        const double many = operation.measure(manyRows, repeats);
-        out << QStringLiteral("%1 rows %2   %3 rows %4   ratio %5")
-                   .arg(fewRows)
-                   .arg(few, 9, 'f', 2)
-                   .arg(manyRows)
-                   .arg(many, 9, 'f', 2)
-                   .arg(many / few, 0, 'f', 2)
-            << Qt::endl;
-    }
-    return 0;
+    Table table(app, QStringLiteral("The list of auctions, in milliseconds of processor time"));
+    measureShowing(&table);
+    measureScrolling(&table);
+    measureColdScrolling(&table);
+    measureThumbnails(&table);
+    measureAsking(&table);
+    return table.exitCode();
 }

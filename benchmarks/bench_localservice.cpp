@@ -2,14 +2,14 @@
 
 // How the local service holds up: its operations against the cheapest one as their peer, what other
 // clients notice of busy, idle, slow and greedy ones, its memory, and how soon it ends.
-// --service PATH measures another build of it.
 
+#include "fileserver.h"
 #include "localserviceprocess.h"
 #include "plainconnection.h"
 #include "rates.h"
+#include "table.h"
 #include "uploadrequest.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
@@ -27,10 +27,8 @@
 
 namespace {
 
-constexpr int auctions = 47;
+constexpr int ownAuctions = 47;
 constexpr int auctionsOfOthers = 10000;
-constexpr int runs = 9;
-constexpr std::chrono::milliseconds runTime{400};
 constexpr std::chrono::milliseconds drippingTime{50000};
 constexpr std::chrono::milliseconds dripPause{20000};
 const QByteArray login = "Username=m1&Password=secret";
@@ -40,13 +38,12 @@ QTextStream out(stdout);
 class Bench
 {
 public:
-    explicit Bench(const QString &program)
+    explicit Bench(Table *table)
+        : m_table(table)
     {
-        if (!program.isEmpty())
-            m_service.setProgram(program);
     }
 
-    bool run(bool isRatesOnly);
+    bool run();
 
 private:
     struct Measured
@@ -72,6 +69,7 @@ private:
     void measureMemory();
     void measureEnd();
 
+    Table *m_table;
     LocalServiceProcess m_service;
 };
 
@@ -110,37 +108,42 @@ void Bench::addAuctionsOfOthers()
                        " media, start_price, reserve_price, buy_price, created, ends)"
                        " SELECT 2, 400, 'Photo ' || i, 'Taken from the stand.', '', i || '.jpg', 5,"
                        " 0, 0, created, ends + i FROM n, auctions WHERE id = 1"),
-        {auctionsOfOthers});
+        {m_table->scaled(auctionsOfOthers, 20)});
 }
 
-// Each with its peer in turn, since what else the machine does changes from second to second.
+// Milliseconds for each answer, against the cheapest operation, and against nginx that has the same
+// bytes ready in a file.
 void Bench::measureRates()
 {
     const QList<Measured> all{
         {"GetMyAuctions", request("GetMyAuctions", login)},
         {"GetThumbnail", request("GetThumbnail", login + "&AuctionID=1")},
         {"ValidateLogin", request("ValidateLogin", login)},
-        {"the front page",
+        {"front page",
          "GET / HTTP/1.1\r\nHost: " + m_service.host().toLatin1()
              + "\r\nConnection: close\r\n\r\n"},
     };
-    const QByteArray peer = request("GetServiceTerms", "SUBMIT=Submit");
-    for (const int clients : {1, 8, 64}) {
-        Runs peers;
-        QList<Runs> ratios(all.size());
-        for (int run = 0; run < runs; ++run) {
-            for (int i = 0; i < all.size(); ++i) {
-                const double terms = answersASecond(m_service.port(), peer, clients, runTime);
-                peers.add(terms);
-                ratios[i].add(answersASecond(m_service.port(), all.at(i).request, clients, runTime)
-                              / terms);
-            }
-        }
-        out << clients << " at a time: GetServiceTerms, the peer, " << peers.text()
-            << " a second\n";
-        for (int i = 0; i < all.size(); ++i)
-            out << "    " << all.at(i).name << ": " << ratios.at(i).text() << " of the peer's\n";
-        out.flush();
+    const std::chrono::milliseconds time{m_table->scaled(400, 20)};
+    const auto answering = [time](int port, const QByteArray &bytes) {
+        return [=](int clients) { return 1000 / answersASecond(port, bytes, clients, time); };
+    };
+    const QByteArray terms = request("GetServiceTerms", "SUBMIT=Submit");
+    FileServer files;
+    const bool hasNginx = files.start();
+    const QList<int> clients{1, 8, 64};
+    for (const Measured &measured : all) {
+        const QString what = QString::fromLatin1(measured.name) + QStringLiteral(", %1 at a time");
+        const Table::Side own{QString(), answering(m_service.port(), measured.request)};
+        m_table->compareSizes(
+            what, 5, clients, own,
+            {QStringLiteral("GetServiceTerms"), answering(m_service.port(), terms)});
+        if (!hasNginx)
+            continue;
+        files.offer(QStringLiteral("bytes"), m_service.send(measured.request).body);
+        const QByteArray get =
+            "GET /bytes HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n";
+        m_table->compareSizes(what, 4, clients, own,
+                              {QStringLiteral("nginx"), answering(files.port(), get)});
     }
 }
 
@@ -152,7 +155,7 @@ void Bench::measureBusyPictures()
     for (int i = 0; i < 64; ++i) {
         clients.emplace_back([this, i, &isOver] {
             const QByteArray bytes = request(
-                "GetThumbnail", login + "&AuctionID=" + QByteArray::number(i % auctions + 1));
+                "GetThumbnail", login + "&AuctionID=" + QByteArray::number(i % ownAuctions + 1));
             while (!isOver) {
                 const PlainConnection connection(m_service.port());
                 connection.send(bytes);
@@ -255,7 +258,7 @@ void Bench::measureEnd()
     out.flush();
 }
 
-bool Bench::run(bool isRatesOnly)
+bool Bench::run()
 {
     if (!m_service.start())
         return false;
@@ -265,11 +268,12 @@ bool Bench::run(bool isRatesOnly)
     QImage picture(1600, 1200, QImage::Format_RGB32);
     picture.fill(Qt::darkGreen);
     upload.media = UploadRequest::encoded(picture, "JPEG");
+    const int auctions = m_table->scaled(ownAuctions, 2);
     for (int i = 0; i < auctions; ++i)
         m_service.send(upload.bytes(m_service.host()));
     addAuctionsOfOthers();
     measureRates();
-    if (isRatesOnly)
+    if (m_table->isTiny() || !m_table->isWanted(QStringLiteral("the rest")))
         return true;
     measureBusyPictures();
     measureUploads();
@@ -283,19 +287,11 @@ bool Bench::run(bool isRatesOnly)
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication app(argc, argv);
-    QCommandLineParser parser;
-    parser.addHelpOption();
-    const QCommandLineOption service(QStringLiteral("service"),
-                                     QStringLiteral("Measure the service at PATH."),
-                                     QStringLiteral("PATH"));
-    const QCommandLineOption rates(QStringLiteral("rates"),
-                                   QStringLiteral("Measure only how often it answers."));
-    parser.addOptions({service, rates});
-    parser.process(app);
+    const QCoreApplication app(argc, argv);
+    Table table(app, QStringLiteral("The local service, in milliseconds for each answer"));
     rlimit files = {};
     getrlimit(RLIMIT_NOFILE, &files);
     files.rlim_cur = files.rlim_max;
     setrlimit(RLIMIT_NOFILE, &files);
-    return Bench(parser.value(service)).run(parser.isSet(rates)) ? 0 : 1;
+    return Bench(&table).run() ? table.exitCode() : 1;
 }

@@ -6,16 +6,11 @@
 
 #include <QByteArray>
 #include <QElapsedTimer>
-#include <QList>
-#include <QTextStream>
 
-#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <thread>
 #include <vector>
-
-// How often something is answered, and how that compares with something else in the same run.
 
 /**
  * Answers a second to @p clients at a time, each request on a connection of its own. They go on for
@@ -48,34 +43,3 @@ inline double answersASecond(int port, const QByteArray &request, int clients,
         thread.join();
     return done * 1e9 / double(timer.nsecsElapsed());
 }
-
-/** What several runs found, to be told as their middle one with the least and the most. */
-class Runs
-{
-public:
-    void add(double value)
-    {
-        m_last = value;
-        m_values.append(value);
-        std::sort(m_values.begin(), m_values.end());
-    }
-    double last() const
-    {
-        return m_last;
-    }
-    double median() const
-    {
-        return m_values.at(m_values.size() / 2);
-    }
-    QString text() const
-    {
-        return QStringLiteral("%1 (%2 to %3)")
-            .arg(median(), 0, 'g', 3)
-            .arg(m_values.first(), 0, 'g', 3)
-            .arg(m_values.last(), 0, 'g', 3);
-    }
-
-private:
-    double m_last = 0;
-    QList<double> m_values;
-};

@@ -122,6 +122,11 @@ bool ClientDriver::isRunning() const
     return m_process.state() != QProcess::NotRunning;
 }
 
+qint64 ClientDriver::processId() const
+{
+    return m_process.processId();
+}
+
 int ClientDriver::waitForEnd()
 {
     const bool ended = QTest::qWaitFor([this] { return !isRunning(); }, patience);

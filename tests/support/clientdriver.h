@@ -44,6 +44,7 @@ public:
 
     bool start();
     bool isRunning() const;
+    qint64 processId() const;
     /** Waits for the program to end by itself; its exit code, or -1. */
     int waitForEnd();
     /** Closes the window as a member would and waits for the end. */
