@@ -13,6 +13,8 @@
 
 #include <cstdlib>
 
+#include <sys/prctl.h>
+
 namespace {
 
 constexpr int wrongUsage = 2; // exit code
@@ -54,6 +56,9 @@ int runWindow(QSettings *settings, OneInstance *instance, const QString &mediaPa
 
 int main(int argc, char *argv[])
 {
+    // The memory holds passwords: a crash writes none of it to a file, and no other program of the
+    // same user may look into it.
+    ::prctl(PR_SET_DUMPABLE, 0);
     // A line is written as it is, without its category; QT_MESSAGE_PATTERN shows that too.
     qSetMessagePattern(QStringLiteral("%{message}"));
     QCoreApplication::setApplicationVersion(QStringLiteral(KAVLOR_VERSION));

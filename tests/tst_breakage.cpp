@@ -9,8 +9,6 @@
 #include <QElapsedTimer>
 #include <QThread>
 
-#include <csignal>
-
 /**
  * What goes wrong around a member: a service that dies, impatient clicks, a window that is closed
  * too early. Nothing may be lost or done twice.
@@ -34,9 +32,6 @@ private:
     QStringList files(const char *folder) const;
     /** A clip of many megabytes, so that its upload takes a while; empty = not made. */
     QString makeClip() const;
-    /** Stops the service's process without ending it, so that requests hang. */
-    void pauseService() const;
-    void resumeService() const;
     /** How much of the uploads under way the service has put down so far, in bytes. */
     qint64 arrivedBytes() const;
     /** Lets a paused service take a part of the upload, and pauses it again. */
@@ -85,7 +80,7 @@ void tst_Breakage::init()
 void tst_Breakage::cleanup()
 {
     m_system.client->kill();
-    resumeService();
+    m_system.service.resume();
 }
 
 int tst_Breakage::auctions() const
@@ -103,20 +98,6 @@ QString tst_Breakage::makeClip() const
 {
     QFile clip(m_system.client->home() + QStringLiteral("/Pictures/long.mp4"));
     return clip.open(QIODevice::WriteOnly) && clip.resize(clipSize) ? clip.fileName() : QString();
-}
-
-void tst_Breakage::pauseService() const
-{
-    const qint64 process = m_system.service.processId();
-    if (process > 0) // 0 would be everybody
-        ::kill(static_cast<pid_t>(process), SIGSTOP);
-}
-
-void tst_Breakage::resumeService() const
-{
-    const qint64 process = m_system.service.processId();
-    if (process > 0)
-        ::kill(static_cast<pid_t>(process), SIGCONT);
 }
 
 // Read off the files that the process has open: one that is still arriving may have no name.
@@ -142,9 +123,9 @@ bool tst_Breakage::takePartOfUpload() const
     while (arrivedBytes() == 0) {
         if (timer.hasExpired(patience))
             return false;
-        resumeService();
+        m_system.service.resume();
         QThread::msleep(1); // a slice in which it takes far less than the whole
-        pauseService();
+        m_system.service.pause();
     }
     return true;
 }
@@ -153,7 +134,7 @@ void tst_Breakage::theServiceDiesDuringAnUpload()
 {
     ClientDriver &client = *m_system.client;
     DO(m_system.prepareUpload(makeClip(), QStringLiteral("A clip")));
-    pauseService();
+    m_system.service.pause();
     DO(client.click(name("createAuctionButton")));
     QVERIFY(!client.isThere(name("createAuctionButton"))); // disabled: the upload is under way
     QVERIFY(takePartOfUpload());
@@ -195,14 +176,14 @@ void tst_Breakage::aWindowClosedDuringAnUploadEndsTheProgram()
 {
     ClientDriver &client = *m_system.client;
     DO(m_system.prepareUpload(makeClip(), QStringLiteral("A clip")));
-    pauseService();
+    m_system.service.pause();
     DO(client.click(name("createAuctionButton")));
     QVERIFY(!client.isThere(name("createAuctionButton")));
     QVERIFY(takePartOfUpload());
     QVERIFY(arrivedBytes() < clipSize);
     DO(client.close()); // with code 0
 
-    resumeService();
+    m_system.service.resume();
     QTRY_COMPARE(arrivedBytes(), 0); // what had come is dropped
     QCOMPARE(auctions(), m_before);
     QCOMPARE(files("media"), m_mediaBefore);

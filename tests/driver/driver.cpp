@@ -27,6 +27,8 @@
 
 #include <qpa/qwindowsysteminterface.h>
 
+#include <sys/prctl.h>
+
 namespace {
 
 // The window that takes input now: the modal one, or else the only visible one.
@@ -199,6 +201,8 @@ QJsonObject Driver::run(const QJsonObject &command)
                 clickAt(button, button->rect().center());
         });
     }
+    if (action == QLatin1String("dumpable"))
+        return done(::prctl(PR_GET_DUMPABLE));
     if (action == QLatin1String("picture")) {
         // Of a PNG, this is how little room it takes.
         const int quality = text.endsWith(QLatin1String(".jpg")) ? 80 : 10;

@@ -108,6 +108,7 @@ bool ClientDriver::start()
     environment.insert(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(KAVLOR_DRIVER_PLUGINS));
     environment.insert(QStringLiteral("KAVLOR_DRIVER_SOCKET"), m_server.fullServerName());
     m_process.setProcessEnvironment(environment);
+    m_process.setWorkingDirectory(m_home);
     m_process.start(m_program, m_arguments);
     if (!m_process.waitForStarted() || !m_server.waitForNewConnection(patience)) {
         m_error = QStringLiteral("the client did not start: ") + QString::fromLocal8Bit(output());
@@ -150,6 +151,11 @@ void ClientDriver::kill()
         return;
     m_process.kill();
     m_process.waitForFinished();
+}
+
+qint64 ClientDriver::processId() const
+{
+    return m_process.processId();
 }
 
 QJsonObject ClientDriver::ask(const QJsonObject &question)
@@ -297,6 +303,12 @@ bool ClientDriver::resize(int width, int height)
     question.insert(QStringLiteral("width"), width);
     question.insert(QStringLiteral("height"), height);
     return isOk(ask(question));
+}
+
+bool ClientDriver::isDumpable()
+{
+    const QJsonObject answer = ask(command("dumpable"));
+    return !isOk(answer) || answer.value(QLatin1String("value")).toInt() != 0;
 }
 
 bool ClientDriver::picture(const QString &path)

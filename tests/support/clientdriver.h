@@ -50,6 +50,7 @@ public:
     /** Closes the window as a member would and waits for the end. */
     bool close();
     void kill();
+    qint64 processId() const;
 
     bool waitFor(const QString &name);
     bool isThere(const QString &name);
@@ -76,6 +77,8 @@ public:
     bool resize(int width, int height);
     /** Waits for a message box and leaves it open. */
     bool waitForBox();
+    /** Whether others may look into the program's memory, as a core dump does. */
+    bool isDumpable();
     /** Saves what the window shows, with the dialog that is open over it. */
     bool picture(const QString &path);
 

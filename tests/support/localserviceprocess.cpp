@@ -14,8 +14,7 @@
 #include <QSqlRecord>
 #include <QTcpSocket>
 
-namespace {
-}
+#include <csignal>
 
 LocalServiceProcess::LocalServiceProcess(QObject *parent)
     : QObject(parent)
@@ -86,6 +85,18 @@ int LocalServiceProcess::terminate()
     m_process.terminate();
     const bool ended = m_process.waitForFinished(patience);
     return ended && m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
+}
+
+void LocalServiceProcess::pause() const
+{
+    if (processId() > 0) // 0 would be everybody
+        ::kill(static_cast<pid_t>(processId()), SIGSTOP);
+}
+
+void LocalServiceProcess::resume() const
+{
+    if (processId() > 0)
+        ::kill(static_cast<pid_t>(processId()), SIGCONT);
 }
 
 qint64 LocalServiceProcess::processId() const

@@ -53,6 +53,9 @@ public:
     void kill();
     /** As SIGTERM; the exit code, or -1 when the service did not end in good order. */
     int terminate();
+    /** Stops the process without ending it, so that requests hang until resume(). */
+    void pause() const;
+    void resume() const;
     qint64 processId() const;
     /** What the service complained of on its standard error since its last start. */
     QByteArray complaints();
