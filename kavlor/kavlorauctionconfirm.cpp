@@ -19,6 +19,13 @@ QString rowEnd()
     return QStringLiteral("</td></tr>");
 }
 
+// The beginning of a row: its label, in a cell with @p alignment, and what opens the value's cell.
+QString rowStart(const QString &label, QLatin1String alignment, QLatin1String valueCell)
+{
+    return QLatin1String("<tr><th ") + alignment + QLatin1String("><pre>") + label
+        + QLatin1String("</pre></th>") + valueCell;
+}
+
 } // namespace
 
 CKavlorAuctionConfirm::CKavlorAuctionConfirm(const CAuctionRecord *record, QWidget *parent)
@@ -72,24 +79,21 @@ QString CKavlorAuctionConfirm::summary() const
     const auto escaped = [](QString text) {
         return text.replace(QLatin1Char('<'), QLatin1String("&lt;"));
     };
+    const QLatin1String right("align='right'");
+    const QLatin1String centred("<td valign='middle'>");
     const QString heading = tr("Please verify data you entered ");
     const QString fileName = m_record->mediaPath.section(QLatin1Char('/'), -1);
 
     const QString body = QLatin1String("<tr><td colspan='2'> <h3>") + heading
-        + QLatin1String("</h3></td></tr>")
-        + QLatin1String("<tr><th align='right'><pre>Start price:</pre></th><td valign='middle'>")
-        + price(m_record->startPrice) + rowEnd()
-        + QLatin1String("<tr><th align='right'><pre>Reserved:</pre></th><td valign='middle'>")
-        + price(m_record->reservePrice) + rowEnd()
-        + QLatin1String("<tr><th align='right'><pre>Buy it now:</pre></th><td valign='middle'>")
+        + QLatin1String("</h3></td></tr>") + rowStart(tr("Start price:"), right, centred)
+        + price(m_record->startPrice) + rowEnd() + rowStart(tr("Reserved:"), right, centred)
+        + price(m_record->reservePrice) + rowEnd() + rowStart(tr("Buy it now:"), right, centred)
         + price(m_record->buyItNowPrice) + rowEnd()
-        + QLatin1String("<tr><th align='right'  valign='middle'><pre>Caption:</pre></th>"
-                        "<td valign='middle'>")
+        + rowStart(tr("Caption:"), QLatin1String("align='right'  valign='middle'"), centred)
         + escaped(m_record->caption) + rowEnd()
-        + QLatin1String("<tr><th align='right' valign='middle'><pre>Category:</pre></th>"
-                        "<td valign='middle'>")
+        + rowStart(tr("Category:"), QLatin1String("align='right' valign='middle'"), centred)
         + escaped(CKavlorCategoryStore::pathText(m_record->category)) + rowEnd()
-        + QLatin1String("<tr><th align='right'><pre>File:</pre></th><td>") + fileName + rowEnd();
+        + rowStart(tr("File:"), right, QLatin1String("<td>")) + fileName + rowEnd();
 
     return QLatin1String("<html><head><meta http-equiv='Content-Type' content='text/html; "
                          "charset=iso-8859-1'></head><body><table font='large' width='100%'>")

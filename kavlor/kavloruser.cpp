@@ -12,7 +12,7 @@ constexpr char addressPattern[] = "([\\w.]+@[\\w\\.]+)";
 
 struct FieldRule
 {
-    const char *displayName; // in messages, and as the key in the settings
+    const char *displayName; // translated in messages, and as it is the key in the settings
     int limit;               // characters
     bool mandatory;
     const char *pattern; // null = any text
@@ -20,22 +20,27 @@ struct FieldRule
 
 // In the order of CKavlorUser::Field.
 constexpr FieldRule fieldRules[CKavlorUser::fieldCount] = {
-    {"Username", 100, true, nullptr},
-    {"Password", 100, true, nullptr},
-    {"First Name", 50, false, nullptr},
-    {"Last Name", 50, false, nullptr},
-    {"Email Address", 80, true, addressPattern},
-    {"Paypal Address", 80, false, addressPattern},
-    {"Country ID", 2, false, nullptr},
-    {"Gender", 1, false, nullptr},
-    {"Language", 2, false, nullptr},
-    {"Twitter Username", 50, false, nullptr},
-    {"Twitter Password", 50, false, nullptr},
+    {QT_TRANSLATE_NOOP("CKavlorUser", "Username"), 100, true, nullptr},
+    {QT_TRANSLATE_NOOP("CKavlorUser", "Password"), 100, true, nullptr},
+    {QT_TRANSLATE_NOOP("CKavlorUser", "First Name"), 50, false, nullptr},
+    {QT_TRANSLATE_NOOP("CKavlorUser", "Last Name"), 50, false, nullptr},
+    {QT_TRANSLATE_NOOP("CKavlorUser", "Email Address"), 80, true, addressPattern},
+    {QT_TRANSLATE_NOOP("CKavlorUser", "Paypal Address"), 80, false, addressPattern},
+    {QT_TRANSLATE_NOOP("CKavlorUser", "Country ID"), 2, false, nullptr},
+    {QT_TRANSLATE_NOOP("CKavlorUser", "Gender"), 1, false, nullptr},
+    {QT_TRANSLATE_NOOP("CKavlorUser", "Language"), 2, false, nullptr},
+    {QT_TRANSLATE_NOOP("CKavlorUser", "Twitter Username"), 50, false, nullptr},
+    {QT_TRANSLATE_NOOP("CKavlorUser", "Twitter Password"), 50, false, nullptr},
 };
+
+QString settingsKey(CKavlorUser::Field field)
+{
+    return QLatin1String(fieldRules[field].displayName);
+}
 
 QString displayName(CKavlorUser::Field field)
 {
-    return QLatin1String(fieldRules[field].displayName);
+    return CKavlorUser::tr(fieldRules[field].displayName);
 }
 
 QString groupOf(const QString &userName)
@@ -121,7 +126,7 @@ void CKavlorUser::load(const QString &userName)
     m_settings->beginGroup(groupOf(userName));
     for (int row = 0; row < fieldCount; ++row) {
         const auto field = static_cast<Field>(row);
-        m_fields[field] = m_settings->value(displayName(field), QString()).toString();
+        m_fields[field] = m_settings->value(settingsKey(field), QString()).toString();
     }
     m_userId = m_settings->value(QStringLiteral("UserID"), 0).toInt();
     m_settings->endGroup();
@@ -137,7 +142,7 @@ void CKavlorUser::save()
         m_settings->beginGroup(groupOf(userName));
         for (int row = 0; row < fieldCount; ++row) {
             const auto field = static_cast<Field>(row);
-            m_settings->setValue(displayName(field), m_fields[field]);
+            m_settings->setValue(settingsKey(field), m_fields[field]);
         }
         m_settings->setValue(QStringLiteral("UserID"), m_userId);
         m_settings->endGroup();

@@ -2,6 +2,7 @@
 
 #include "connector.h"
 #include "fonts.h"
+#include "languages.h"
 #include "oneinstance.h"
 #include "rootviewcontroller.h"
 #include "settingsstore.h"
@@ -31,6 +32,8 @@ QStringList argumentList(int argc, char *argv[])
 int tellText(int argc, char *argv[])
 {
     const QCoreApplication app(argc, argv);
+    Languages languages;
+    languages.use(QLocale());
     QTextStream(stdout) << startText(QCoreApplication::arguments());
     return EXIT_SUCCESS;
 }
@@ -68,6 +71,8 @@ int main(int argc, char *argv[])
     CConnector connector; // before the application object, after everything on the way out
     const std::unique_ptr<QSettings> settings = openSettingsStore();
     QApplication app(argc, argv);
+    Languages languages;
+    languages.use(QLocale());
     const StartOptions options = readStartOptions(QApplication::arguments());
     if (!options.error.isEmpty()) {
         QTextStream(stderr) << QApplication::applicationName() << ": " << options.error << Qt::endl;

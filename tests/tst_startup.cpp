@@ -35,6 +35,7 @@ private slots:
     void aKilledProgramIsNoObstacleToTheNext();
     void wrongArgumentsAreToldOnTheTerminal_data();
     void wrongArgumentsAreToldOnTheTerminal();
+    void aMemberIsSpokenToInGerman();
     void helpAndVersionNeedNoDisplay_data();
     void helpAndVersionNeedNoDisplay();
 
@@ -282,6 +283,21 @@ void tst_Startup::helpAndVersionNeedNoDisplay()
     client.setEnvironment(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("nowhere"));
     QCOMPARE(client.startAgain({argument}), 0);
     QVERIFY2(client.output().startsWith(start), client.output().constData());
+}
+
+void tst_Startup::aMemberIsSpokenToInGerman()
+{
+    ClientDriver &client = *m_system.client;
+    const QString variable = QStringLiteral("LC_ALL");
+    client.setEnvironment(variable, QStringLiteral("de_DE.UTF-8"));
+    const auto back =
+        qScopeGuard([&] { client.setEnvironment(variable, QStringLiteral("C.UTF-8")); });
+    ScriptedService service(nullptr, WholeSystem::servicePort());
+    service.expect("GetServiceTerms", "terms");
+    service.expect("GetCountryList", "countries");
+    QVERIFY2(client.start(), qPrintable(client.error()));
+    QVERIFY2(client.waitFor(QStringLiteral("loginButton")), qPrintable(client.error()));
+    QCOMPARE(client.text(QStringLiteral("loginButton")), QStringLiteral("Anmelden"));
 }
 
 KAVLOR_TEST_MAIN(tst_Startup)
