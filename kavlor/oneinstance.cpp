@@ -121,5 +121,8 @@ void OneInstance::read(QLocalSocket *socket)
     socket->readAll();
     const qsizetype tokenEnd = message.indexOf('\n');
     qputenv(activationToken, message.left(tokenEnd));
-    emit startedAgain(QString::fromUtf8(message.mid(tokenEnd + 1).chopped(1)));
+    // Outside of the socket's own signal: a box may open on it, and the socket goes meanwhile.
+    const QString mediaPath = QString::fromUtf8(message.mid(tokenEnd + 1).chopped(1));
+    QMetaObject::invokeMethod(
+        this, [this, mediaPath] { emit startedAgain(mediaPath); }, Qt::QueuedConnection);
 }

@@ -55,7 +55,8 @@ RootViewController::RootViewController(QSettings *settings, QWidget *parent)
     new DoubleTapGuard(m_ui->navigationBar);
     new EnterKey(this);
     const auto *drop = new MediaDrop(this);
-    connect(drop, &MediaDrop::dropped, this, &RootViewController::openMedia);
+    // Queued, since a box may open on it, and whoever has dropped the file must not wait for that.
+    connect(drop, &MediaDrop::dropped, this, &RootViewController::openMedia, Qt::QueuedConnection);
 
     connect(this, &RootViewController::WelcomeKavlor, this, &RootViewController::ShowLoginOptions);
     makeRequest();

@@ -24,6 +24,7 @@ private slots:
     void aLaterStartHandsOverWhatItWasToOpen();
     void whatCameBeforeTheFirstListensIsNotLost();
     void aStartForNothingIsTold();
+    void whoIsToldMayTakeTheirTime();
     void theTokenOfTheDesktopIsHandedOver();
     void theNextStartAfterTheFirstHasEndedIsAFirst();
     void anotherSettingsFileIsAnotherProgram();
@@ -94,6 +95,26 @@ void tst_OneInstance::aStartForNothingIsTold()
     QVERIFY(later.handOver(QString()));
     QTRY_COMPARE(again.size(), 1);
     QCOMPARE(again.at(0).at(0).toString(), QString());
+}
+
+void tst_OneInstance::whoIsToldMayTakeTheirTime()
+{
+    OneInstance first(m_settings);
+    QVERIFY(!first.handOver(QString()));
+    first.hear();
+    // A box that is open meanwhile, in whose event loop the later start goes away for good.
+    bool isTold = false;
+    connect(&first, &OneInstance::startedAgain, this, [&] {
+        QTRY_VERIFY(first.findChildren<QLocalSocket *>().isEmpty());
+        isTold = true;
+    });
+    QLocalSocket later;
+    later.connectToServer(first.findChild<QLocalServer *>()->fullServerName());
+    QVERIFY(later.waitForConnected());
+    QTRY_VERIFY(!first.findChildren<QLocalSocket *>().isEmpty());
+    later.write(QByteArray("\n/a.jpg", 7) + '\0');
+    later.disconnectFromServer();
+    QTRY_VERIFY(isTold);
 }
 
 void tst_OneInstance::theTokenOfTheDesktopIsHandedOver()

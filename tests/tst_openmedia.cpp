@@ -235,7 +235,7 @@ void tst_OpenMedia::aDropOntoTheWizardTakesItsPlace()
         widget = text->viewport();
     const std::unique_ptr<QMimeData> data(files({m_photo}));
     QVERIFY(drag(widget, *data));
-    QVERIFY(window.find<QLabel>("photoLabel")->pixmap().toImage() != clip);
+    QTRY_VERIFY(window.find<QLabel>("photoLabel")->pixmap().toImage() != clip);
     QCOMPARE(window.text("lineCaption"), QStringLiteral("Sunset"));
     QCOMPARE(window.text("textDescription"), QStringLiteral("Description"));
 }

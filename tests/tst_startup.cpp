@@ -223,7 +223,8 @@ void tst_Startup::aSecondStartHandsItsPhotoToTheFirst()
     QVERIFY2(client.waitFor(QStringLiteral("lineCaption")), qPrintable(client.error()));
     QCOMPARE(client.startAgain({QStringLiteral("/nowhere/photo.jpg")}), 0);
     QCOMPARE(client.closeBox(), QStringLiteral("Cannot load /nowhere/photo.jpg."));
-    QVERIFY(client.waitFor(QStringLiteral("photoClicker"))); // the box is gone
+    // The box is gone.
+    QVERIFY2(client.waitFor(QStringLiteral("photoClicker")), qPrintable(client.error()));
     QVERIFY2(client.close(), qPrintable(client.error()));
     QCOMPARE(m_system.service.terminate(), 0);
 }
