@@ -162,6 +162,10 @@ size_t HttpTransfer::takeHeaderLine(char *bytes, size_t, size_t size, void *self
 size_t HttpTransfer::takeBody(char *bytes, size_t, size_t size, void *self)
 {
     auto *transfer = static_cast<HttpTransfer *>(self);
+    // The library sees the end of a header in lines that are none for us, as in one that begins
+    // with a carriage return, and behind a change of protocols that nobody asked for.
+    if (!transfer->m_headerComplete)
+        transfer->completeHeader();
     if (!transfer->m_headerReported)
         return CURL_WRITEFUNC_PAUSE;
     const auto count = static_cast<qint64>(size);
@@ -193,8 +197,12 @@ void HttpTransfer::endHeader()
 {
     long status = 0;
     curl_easy_getinfo(m_transfer, CURLINFO_RESPONSE_CODE, &status);
-    if (status >= 100 && status < 200)
-        return;
+    if (status < 100 || status >= 200)
+        completeHeader();
+}
+
+void HttpTransfer::completeHeader()
+{
     m_headerComplete = true;
     QMetaObject::invokeMethod(this, &HttpTransfer::reportHeader, Qt::QueuedConnection);
 }

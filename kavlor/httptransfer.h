@@ -55,6 +55,7 @@ private:
     void setProxy(const QUrl &url);
     void readHeaderLine(const QByteArray &line);
     void endHeader();
+    void completeHeader();
     void reportHeader();
     void end(CURL *transfer, CURLcode result);
     QString textOf(CURLcode result) const;
