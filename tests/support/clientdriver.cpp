@@ -153,11 +153,6 @@ void ClientDriver::kill()
     m_process.waitForFinished();
 }
 
-qint64 ClientDriver::processId() const
-{
-    return m_process.processId();
-}
-
 QJsonObject ClientDriver::ask(const QJsonObject &question)
 {
     if (!m_socket || !isRunning()) {

@@ -50,7 +50,6 @@ public:
     /** Closes the window as a member would and waits for the end. */
     bool close();
     void kill();
-    qint64 processId() const;
 
     bool waitFor(const QString &name);
     bool isThere(const QString &name);
