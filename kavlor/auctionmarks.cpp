@@ -59,8 +59,8 @@ const Pictures &pictures()
 bool fitFont(QPainter *painter, const QString &text, int width)
 {
     QFont font = listStyle().numberFont;
-    for (int points = font.pointSize(); points >= smallestNumber; --points) {
-        font.setPointSize(points);
+    for (int points = ListStyle::numberPoints; points >= smallestNumber; --points) {
+        font.setPointSizeF(listPoints(points));
         painter->setFont(font);
         if (painter->fontMetrics().horizontalAdvance(text) <= width)
             return true;

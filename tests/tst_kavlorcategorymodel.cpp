@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "cellfont.h"
 #include "kavlorcategorymodel.h"
 #include "kavlorcategorystore.h"
 #include "testcase.h"
@@ -78,8 +79,8 @@ QImage paintedCategory(bool topLevel, bool chosen, const QString &picture, const
     const int left = picture.isEmpty() ? 0 : 86;
     if (!picture.isEmpty())
         painter.drawPixmap(QRect(0, 0, 86, 86), QPixmap(picture));
-    painter.setFont(topLevel ? QFont(QStringLiteral("LargeSystemFont"), 21, QFont::Bold)
-                             : QFont(QStringLiteral("SmallSystemFont"), 21, QFont::Normal));
+    painter.setFont(topLevel ? cellFont("LargeSystemFont", 21, QFont::Bold)
+                             : cellFont("SmallSystemFont", 21, QFont::Normal));
     painter.setPen(topLevel ? QColor(249, 167, 31) : QColor(121, 85, 143));
     if (children.isEmpty()) {
         painter.drawText(QRect(left, 0, 400 - left, 86),
@@ -88,7 +89,7 @@ QImage paintedCategory(bool topLevel, bool chosen, const QString &picture, const
         painter.drawText(QRect(left, 0, 400 - left, 27),
                          Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
                          name);
-        painter.setFont(QFont(QStringLiteral("SmallSystemFont"), 14, QFont::Normal));
+        painter.setFont(cellFont("SmallSystemFont", 14, QFont::Normal));
         painter.setPen(chosen ? QColor(41, 41, 0) : QColor(73, 117, 166));
         painter.drawText(QRect(left, 21, 400 - left, 65),
                          Qt::AlignLeft | Qt::AlignVCenter | Qt::TextWordWrap, children);

@@ -2,6 +2,7 @@
 
 #include "auctionlist.h"
 #include "auctionstrip.h"
+#include "cellfont.h"
 #include "kavlormyauctionsmodel.h"
 #include "picturecomparison.h"
 #include "processmemory.h"
@@ -623,7 +624,7 @@ void tst_KavlorMyAuctionsModel::titlesKeepTheirAccentsAndTails()
     QImage canvas(QSize(680, 200), QImage::Format_ARGB32_Premultiplied);
     canvas.fill(Qt::transparent);
     QPainter painter(&canvas);
-    painter.setFont(QFont(QStringLiteral("LargeSystemFont"), 21, QFont::Bold));
+    painter.setFont(cellFont("LargeSystemFont", 21, QFont::Bold));
     painter.setPen(QColor(249, 167, 31));
     painter.drawText(QRect(1, 80, 679, 27),
                      Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
