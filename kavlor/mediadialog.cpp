@@ -50,6 +50,10 @@ void MediaDialog::reduce()
         if (auto *widget = findChild<QWidget *>(QLatin1String(part)))
             widget->hide();
     }
+    // The desktop's own small pictures, which the look has no place for.
+    const QList<QPushButton *> buttons = findChildren<QPushButton *>();
+    for (QPushButton *button : buttons)
+        button->setIcon(QIcon());
     // As wide as there is room for, not as their longest entry.
     const QList<QComboBox *> boxes = findChildren<QComboBox *>();
     for (QComboBox *box : boxes) {

@@ -6,6 +6,7 @@
 #include "roomscale.h"
 #include "theme.h"
 
+#include <QAbstractButton>
 #include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
@@ -41,6 +42,7 @@ MessageBox::MessageBox(QWidget *parent, qreal scale, Icon icon, const QString &t
     setTextFormat(Qt::PlainText);
     setTextInteractionFlags(Qt::NoTextInteraction);
     setDefaultButton(preset);
+    removeButtonIcons();
     m_label->installEventFilter(this);
     fitText(text);
 }
@@ -75,6 +77,14 @@ QMessageBox::StandardButton MessageBox::show(QWidget *frame, Place place, Icon i
 int MessageBox::scaled(int length) const
 {
     return qRound(length * m_scale);
+}
+
+// The desktop's own small pictures, which the look has no place for.
+void MessageBox::removeButtonIcons()
+{
+    const QList<QAbstractButton *> all = QMessageBox::buttons();
+    for (QAbstractButton *button : all)
+        button->setIcon(QIcon());
 }
 
 // The toolkit's icon has one size.

@@ -49,6 +49,7 @@ private:
     static StandardButton show(QWidget *frame, Place place, Icon icon, const QString &title,
                                const QString &text, StandardButtons buttons, StandardButton preset);
     int scaled(int length) const;
+    void removeButtonIcons();
     void enlargeIcon();
     void fitText(const QString &text);
     QSize roomForText() const;

@@ -55,6 +55,8 @@ CModifyAccountController::CModifyAccountController(CKavlorUser *user, QWidget *p
     m_ui->linePassword->setText(m_edited->field(CKavlorUser::Password));
     m_ui->linePaypal->setText(m_edited->field(CKavlorUser::PaypalAddress));
     m_ui->lineConfirm->setText(m_edited->field(CKavlorUser::Password));
+    for (QLineEdit *line : {m_ui->lineEmail, m_ui->linePaypal})
+        line->setCursorPosition(0); // a long address is shown from its beginning
 
     connect(m_ui->checkBoxEmail, &QCheckBox::clicked, this,
             &CModifyAccountController::checkboxEmailClicked);

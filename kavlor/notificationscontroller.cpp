@@ -35,6 +35,7 @@ CNotificationsController::CNotificationsController(CKavlorUser *user,
     m_ui->checkBoxOnView->setChecked(flags.onView);
     m_ui->checkBoxBuyerQuestion->setChecked(flags.onBuyerQuestion);
     m_ui->lineNotification->setText(m_user->field(CKavlorUser::EmailAddress));
+    m_ui->lineNotification->setCursorPosition(0); // a long one is shown from its beginning
 
     connect(m_ui->pushButtonDone, &QPushButton::clicked, this,
             &CNotificationsController::doneClicked);

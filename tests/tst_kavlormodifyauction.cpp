@@ -530,6 +530,10 @@ void tst_KavlorModifyAuction::fits()
             QVERIFY(widget == other || !place.intersects(otherPlace));
         }
     }
+    for (const QLabel *one : {label("labelReservedPrice"), label("labelBuyItNow")}) {
+        const int needed = one->heightForWidth(one->width());
+        QVERIFY2(needed < 2 * one->fontMetrics().height(), qPrintable(one->text())); // in a line
+    }
     for (const QSpinBox *box : {reserve(), buyItNow()}) {
         QVERIFY(box->height() >= 45);
         QVERIFY(box->width() >= box->sizeHint().width());

@@ -219,6 +219,7 @@ void tst_MediaDialog::fitsTheSmallestWindow()
             QVERIFY2(control->height() >= touchHeight, qPrintable(control->objectName()));
             const auto *button = qobject_cast<const QPushButton *>(control);
             QVERIFY(!button || button->width() >= button->sizeHint().width());
+            QVERIFY(!button || button->icon().isNull());
         }
         QVERIFY(rows(dialog)->viewport()->height() >= 3 * touchHeight);
     });

@@ -25,6 +25,7 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPointer>
+#include <QProxyStyle>
 #include <QPushButton>
 #include <QScreen>
 #include <QTabWidget>
@@ -46,6 +47,7 @@ private slots:
     void aReplyOfManyMegabytesIsShownAtOnce();
     void detailsStayOnTheScreen();
     void growsWithTheWindowThatTells();
+    void buttonsShowTheirTextAlone();
     void focusIsSeen_data();
     void focusIsSeen();
 
@@ -88,6 +90,19 @@ namespace {
 
 constexpr QSize largestBox(800, 424);
 constexpr int touchHeight = 45;
+
+// As the styles of most desktops have it.
+class StyleWithIcons : public QProxyStyle
+{
+public:
+    int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
+                  QStyleHintReturn *data) const override
+    {
+        return hint == SH_DialogButtonBox_ButtonsHaveIcons
+            ? 1
+            : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
 
 QString lines(int count)
 {
@@ -589,6 +604,22 @@ void tst_MessageBox::growsWithTheWindowThatTells()
     QVERIFY(qAbs(buttons.at(1) - 1.6 * buttons.at(0)) <= 2);
     QVERIFY2(qAbs(icons.at(1) - 1.6 * icons.at(0)) <= 1,
              qPrintable(QStringLiteral("%1, %2").arg(icons.at(0)).arg(icons.at(1))));
+}
+
+void tst_MessageBox::buttonsShowTheirTextAlone()
+{
+    QApplication::setStyle(new StyleWithIcons);
+    FrameStage stage;
+    QWidget frame(stage.area());
+    int icons = -1;
+    stage.dialogs.beforeNextAnswer([&] {
+        icons = 0;
+        for (const QAbstractButton *button : openBox()->buttons())
+            icons += button->icon().isNull() ? 0 : 1;
+    });
+    MessageBox::ask(&frame, QStringLiteral("title"), QStringLiteral("Really?"));
+    QApplication::setStyle(new QProxyStyle);
+    QCOMPARE(icons, 0);
 }
 
 void tst_MessageBox::focusIsSeen_data()

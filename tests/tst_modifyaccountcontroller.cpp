@@ -132,6 +132,7 @@ private slots:
     void onlyTheFirstLetterOfTheAddressIsTouched_data();
     void onlyTheFirstLetterOfTheAddressIsTouched();
     void cursorStaysWhereItWas();
+    void aLongAddressIsShownFromItsBeginning();
 
     void differingConfirmationIsRefused();
     void validationMessages_data();
@@ -429,6 +430,18 @@ void tst_ModifyAccountController::cursorStaysWhereItWas()
     account.line("lineEmail")->clear();
     account.frame->emailPosChanged();
     QCOMPARE(account.line("lineEmail")->text(), QString());
+}
+
+void tst_ModifyAccountController::aLongAddressIsShownFromItsBeginning()
+{
+    Account account;
+    const QString name(70, QLatin1Char('n'));
+    account.user.setField(Field::EmailAddress, name + QStringLiteral("@example.org"));
+    QVERIFY(account.open());
+    QLineEdit *line = account.line("lineEmail");
+    const QImage before = line->grab().toImage();
+    line->setCursorPosition(0);
+    QCOMPARE(line->grab().toImage(), before);
 }
 
 void tst_ModifyAccountController::differingConfirmationIsRefused()
