@@ -4,12 +4,14 @@
 
 #include "announce.h"
 #include "fingerscroll.h"
+#include "framewelcomekavlor.h"
 #include "httptolvex.h"
 #include "kavloruser.h"
 #include "leaveframe.h"
 #include "messagebox.h"
 #include "offlinedocument.h"
 #include "plaintooltip.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
@@ -57,6 +59,7 @@ FrameCreateAccount::FrameCreateAccount(QSettings *settings, CKavlorUser *user, Q
     , m_settings(settings)
 {
     m_ui->setupUi(this);
+    new Retranslation(this, [this] { retranslate(); });
     auto *scale = new RoomScale(this, QSize(1040, 640));
     new StartFocus(this, m_ui->lineUsername);
     setUpTerms();
@@ -85,6 +88,22 @@ FrameCreateAccount::FrameCreateAccount(QSettings *settings, CKavlorUser *user, Q
 }
 
 FrameCreateAccount::~FrameCreateAccount() = default;
+
+void FrameCreateAccount::retranslate()
+{
+    const bool toldFault = !m_ui->errorLabelText->text().isEmpty();
+    const bool toldMissing = !m_ui->tabWidget->toolTip().isEmpty();
+    m_ui->retranslateUi(this);
+    if (!m_termsText.isEmpty())
+        showTerms();
+    if (toldMissing)
+        UserChanged();
+    if (toldFault)
+        showFault(faultBeforeSending());
+    RootViewController *root = RootViewController::of(this);
+    if (root && !isHidden())
+        root->setNavigationTextAndIcon(FrameWelcomeKavlor::tr("Create account "), QString(), true);
+}
 
 void FrameCreateAccount::setUpTerms()
 {
@@ -137,6 +156,15 @@ QString FrameCreateAccount::validate(int level)
     return message;
 }
 
+// What keeps the form from being sent; empty when nothing does.
+QString FrameCreateAccount::faultBeforeSending()
+{
+    const QString message = validate(beforeSending);
+    if (!m_formValid)
+        return message;
+    return m_ui->checkTerms->isChecked() ? QString() : tr("Accept Terms of Service");
+}
+
 void FrameCreateAccount::UserChanged()
 {
     takeFormOver();
@@ -158,13 +186,9 @@ void FrameCreateAccount::TermsClicked()
 
 void FrameCreateAccount::Submit()
 {
-    const QString message = validate(beforeSending);
-    if (!m_formValid) {
-        showFault(message);
-        return;
-    }
-    if (!m_ui->checkTerms->isChecked()) {
-        showFault(tr("Accept Terms of Service"));
+    const QString fault = faultBeforeSending();
+    if (!fault.isEmpty()) {
+        showFault(fault);
         return;
     }
 

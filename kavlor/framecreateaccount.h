@@ -48,11 +48,13 @@ private:
         AccountRequested = 3
     };
 
+    void retranslate();
     void setUpTerms();
     void fetchTerms();
     void showTerms();
     void takeFormOver();
     QString validate(int level);
+    QString faultBeforeSending();
     void showFault(const QString &message);
     void setProgressRunning(bool running);
     void setFormEnabled(bool enabled);

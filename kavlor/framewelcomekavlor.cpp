@@ -5,6 +5,7 @@
 #include "framecreateaccount.h"
 #include "kavlorlogin.h"
 #include "leaveframe.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
@@ -16,6 +17,7 @@ FrameWelcomeKavlor::FrameWelcomeKavlor(QSettings *settings, QWidget *parent)
     , m_settings(settings)
 {
     m_ui->setupUi(this);
+    new Retranslation(this, [this] { m_ui->retranslateUi(this); });
     new RoomScale(this, QSize(960, 480));
     new StartFocus(this, m_ui->createAccountButton);
     connect(m_ui->createAccountButton, &QPushButton::clicked, this,

@@ -7,6 +7,7 @@
 #include "kavlorcategorystore.h"
 #include "paintedcelldelegate.h"
 #include "paintedtableaccess.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
@@ -42,6 +43,7 @@ CKavlorAuctionCategorize::CKavlorAuctionCategorize(QWidget *parent, int category
     , m_clearOnRenew(clearOnRenew)
 {
     m_ui->setupUi(this);
+    new Retranslation(this, [this] { retranslate(); });
     new StartFocus(this, m_ui->categoriesTable);
     setUpTable();
     m_chooseTimer.setSingleShot(true);
@@ -60,6 +62,12 @@ CKavlorAuctionCategorize::CKavlorAuctionCategorize(QWidget *parent, int category
 }
 
 CKavlorAuctionCategorize::~CKavlorAuctionCategorize() = default;
+
+void CKavlorAuctionCategorize::retranslate()
+{
+    m_ui->retranslateUi(this);
+    m_ui->categorySelected->setText(CKavlorCategoryStore::pathText(m_chosen));
+}
 
 void CKavlorAuctionCategorize::setUpTable()
 {

@@ -44,6 +44,7 @@ public slots:
     void categoryTableClicked(QModelIndex aIndex);
 
 private:
+    void retranslate();
     void setUpTable();
     void pickCurrent();
     void choose(int category);

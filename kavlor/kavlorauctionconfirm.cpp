@@ -6,6 +6,7 @@
 #include "fingerscroll.h"
 #include "kavlorcategorystore.h"
 #include "offlinedocument.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "startfocus.h"
 #include "ui_kavlorauctionconfirm.h"
@@ -34,6 +35,7 @@ CKavlorAuctionConfirm::CKavlorAuctionConfirm(const CAuctionRecord *record, QWidg
     , m_ui(std::make_unique<Ui::CKavlorAuctionConfirm>())
 {
     m_ui->setupUi(this);
+    new Retranslation(this, [this] { retranslate(); });
     new RoomScale(this);
     new StartFocus(this, m_ui->auctionOverallInfo);
     // A photo may be named like markup, which must not load anything either.
@@ -48,6 +50,12 @@ CKavlorAuctionConfirm::CKavlorAuctionConfirm(const CAuctionRecord *record, QWidg
 }
 
 CKavlorAuctionConfirm::~CKavlorAuctionConfirm() = default;
+
+void CKavlorAuctionConfirm::retranslate()
+{
+    m_ui->retranslateUi(this);
+    m_ui->auctionOverallInfo->document()->setHtml(summary());
+}
 
 void CKavlorAuctionConfirm::antiBotCheck(const QString &aText)
 {

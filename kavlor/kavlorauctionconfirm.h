@@ -39,6 +39,7 @@ protected:
 
 private:
     QString summary() const;
+    void retranslate();
 
     const CAuctionRecord *m_record;
     int m_checkNumber = 0;

@@ -4,6 +4,8 @@
 
 #include "leaveframe.h"
 #include "messagebox.h"
+#include "pricebox.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "startfocus.h"
 #include "ui_kavlorauctioncreate.h"
@@ -19,6 +21,7 @@ CKavlorAuctionCreate::CKavlorAuctionCreate(int reserve, int buyItNow, int start,
     , m_ui(std::make_unique<Ui::CKavlorAuctionCreate>())
 {
     m_ui->setupUi(this);
+    new Retranslation(this, [this] { m_ui->retranslateUi(this); });
     auto *scale = new RoomScale(this);
     // The prices share a page that is higher than the handheld's.
     scale->apply([this](qreal factor) {
@@ -26,6 +29,8 @@ CKavlorAuctionCreate::CKavlorAuctionCreate(int reserve, int buyItNow, int start,
             m_ui->prices->setVerticalSpacing(qRound(wideSpacing * factor));
     });
     new StartFocus(this, m_ui->startPrice);
+    for (QSpinBox *box : {m_ui->startPrice, m_ui->reservePrice, m_ui->buyItNowPrice})
+        writePriceByLocale(box);
     m_ui->reservePrice->setValue(reserve);
     m_ui->buyItNowPrice->setValue(buyItNow);
     m_ui->startPrice->setValue(start);

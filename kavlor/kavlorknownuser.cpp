@@ -3,6 +3,7 @@
 #include "kavlorknownuser.h"
 
 #include "leaveframe.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
@@ -15,6 +16,7 @@ KavlorKnownUser::KavlorKnownUser(const QString &userName, const QString &passwor
     , m_ui(std::make_unique<Ui::KavlorKnownUser>())
 {
     m_ui->setupUi(this);
+    new Retranslation(this, [this] { m_ui->retranslateUi(this); });
     auto *scale = new RoomScale(this, QSize(1120, 380));
     scale->setPicture(m_ui->labelUserIcon, QStringLiteral(":/UserIcon.png"), 128);
     new StartFocus(this, m_ui->buttonUpload);

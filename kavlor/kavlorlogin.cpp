@@ -3,9 +3,11 @@
 #include "kavlorlogin.h"
 
 #include "announce.h"
+#include "framewelcomekavlor.h"
 #include "httptolvex.h"
 #include "leaveframe.h"
 #include "messagebox.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "servicehost.h"
@@ -28,11 +30,12 @@ KavlorLogin::KavlorLogin(QSettings *settings, QWidget *parent)
     , m_settings(settings)
 {
     m_ui->setupUi(this);
+    new Retranslation(this, [this] { retranslate(); });
     new RoomScale(this, QSize(960, 480));
     new StartFocus(this, m_ui->lineUsername);
     m_ui->labelError->clear();
     m_ui->loginButton->setEnabled(false);
-    m_ui->forgotPassword->setText(tr("I forgot <a href=\"%1\">password</a>").arg(passwordPage()));
+    sayForgotten();
 
     connect(m_ui->loginButton, &QPushButton::clicked, this, &KavlorLogin::loginClick);
     for (QLineEdit *line : {m_ui->lineUsername, m_ui->linePassword}) {
@@ -42,6 +45,22 @@ KavlorLogin::KavlorLogin(QSettings *settings, QWidget *parent)
 }
 
 KavlorLogin::~KavlorLogin() = default;
+
+void KavlorLogin::sayForgotten()
+{
+    m_ui->forgotPassword->setText(tr("I forgot <a href=\"%1\">password</a>").arg(passwordPage()));
+}
+
+void KavlorLogin::retranslate()
+{
+    m_ui->retranslateUi(this);
+    sayForgotten();
+    if (!m_ui->labelError->text().isEmpty())
+        m_ui->labelError->setText(tr("kavlor authentication failed."));
+    RootViewController *root = RootViewController::of(this);
+    if (root && !isHidden())
+        root->setNavigationTextAndIcon(FrameWelcomeKavlor::tr("Please login to "), QString(), true);
+}
 
 void KavlorLogin::UserChanged()
 {

@@ -34,6 +34,8 @@ public slots:
     void lower();
 
 private:
+    void sayForgotten();
+    void retranslate();
     void setFormEnabled(bool enabled);
 
     CHttpTolvex *m_request;

@@ -5,6 +5,8 @@
 #include "httptolvex.h"
 #include "kavloruser.h"
 #include "messagebox.h"
+#include "pricebox.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "startfocus.h"
 #include "ui_kavlormodifyauction.h"
@@ -26,6 +28,7 @@ CKavlorModifyAuction::CKavlorModifyAuction(CKavlorUser *user, int auctionId,
     , m_ui(std::make_unique<Ui::CKavlorModifyAuction>())
 {
     m_ui->setupUi(this);
+    new Retranslation(this, [this] { retranslate(); });
     auto *scale = new RoomScale(this);
     new StartFocus(this, m_ui->reservedPrice);
     if (m_auction.finished) {
@@ -34,12 +37,20 @@ CKavlorModifyAuction::CKavlorModifyAuction(CKavlorUser *user, int auctionId,
     }
 
     scale->apply([this](qreal factor) { showThumbnail(factor); });
+    writePriceByLocale(m_ui->buyItNowPrice);
+    writePriceByLocale(m_ui->reservedPrice);
     m_ui->buyItNowPrice->setValue(m_auction.buyItNowPrice);
     m_ui->reservedPrice->setValue(m_auction.reservePrice);
     connect(m_ui->done, &QPushButton::clicked, this, &CKavlorModifyAuction::doneClicked);
 }
 
 CKavlorModifyAuction::~CKavlorModifyAuction() = default;
+
+void CKavlorModifyAuction::retranslate()
+{
+    m_ui->retranslateUi(this);
+    showThumbnail(RoomScale::of(this)); // in the place of a text
+}
 
 void CKavlorModifyAuction::showThumbnail(qreal scale)
 {

@@ -43,6 +43,7 @@ public slots:
     void requestIsFinished(const QString &response, const QString &error);
 
 private:
+    void retranslate();
     void showThumbnail(qreal scale);
 
     int m_auctionId;

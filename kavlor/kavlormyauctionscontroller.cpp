@@ -12,6 +12,7 @@
 #include "messagebox.h"
 #include "paintedcelldelegate.h"
 #include "paintedtableaccess.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "slimscrollbar.h"
@@ -28,6 +29,7 @@ CKavlorMyAuctionsController::CKavlorMyAuctionsController(CKavlorUser *user, QWid
     , m_http(new CHttpTolvex(this))
 {
     m_ui->setupUi(this);
+    new Retranslation(this, [this] { retranslate(); });
     prepareTable();
 
     // Queued, since thumbnails are asked for while painting: a request may wait for a connection,
@@ -46,6 +48,13 @@ CKavlorMyAuctionsController::CKavlorMyAuctionsController(CKavlorUser *user, QWid
 }
 
 CKavlorMyAuctionsController::~CKavlorMyAuctionsController() = default;
+
+void CKavlorMyAuctionsController::retranslate()
+{
+    m_ui->retranslateUi(this);
+    if (m_isListed)
+        m_ui->labelPleaseWait->setText(tr("There is no data to display."));
+}
 
 void CKavlorMyAuctionsController::prepareTable()
 {
@@ -93,6 +102,7 @@ void CKavlorMyAuctionsController::myAuctions(const QString &aData)
     QTableView *table = m_ui->myAuctionsTable;
     table->hide();
     m_model->load(aData);
+    m_isListed = true;
     if (m_model->rowCount() == 0) {
         m_ui->labelPleaseWait->setText(tr("There is no data to display."));
         m_ui->labelPleaseWait->show();

@@ -60,6 +60,7 @@ protected:
 private:
     enum State { Idle = 0, AwaitingList = 1, AwaitingThumbnail = 2 };
 
+    void retranslate();
     void prepareTable();
     void fitCells();
     void fetchList();
@@ -74,6 +75,7 @@ private:
     CHttpTolvex *m_http;
     State m_state = AwaitingList;
     QString m_reply;
+    bool m_isListed = false; // the list has come
     QList<uint> m_thumbnailQueue;
     QPointer<CKavlorModifyAuction> m_priceFrame; // null unless it is shown in place of the list
 };

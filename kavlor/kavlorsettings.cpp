@@ -7,6 +7,7 @@
 #include "leaveframe.h"
 #include "modifyaccountcontroller.h"
 #include "notificationscontroller.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
@@ -21,6 +22,7 @@ CKavlorSettings::CKavlorSettings(CKavlorUser *user, CKavlorNotificationOptions *
     , m_user(user)
 {
     m_ui->setupUi(this);
+    new Retranslation(this, [this] { m_ui->retranslateUi(this); });
     new RoomScale(this, QSize(1040, 480));
     new StartFocus(this, m_ui->pushButtonMyAccount);
     connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,

@@ -6,6 +6,7 @@
 #include "leaveframe.h"
 #include "messagebox.h"
 #include "progressivemodel.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "timeconstants.h"
@@ -32,6 +33,7 @@ CKavlorSplashWindow::CKavlorSplashWindow(RootViewController *root, const QString
     , m_request(new CHttpTolvex(this))
 {
     m_ui->setupUi(this);
+    new Retranslation(this, [this] { retranslate(); });
     auto *scale = new RoomScale(this);
     scale->setPicture(m_ui->kavlorLogoLabel, QStringLiteral(":/Kavlor Logo Small.png"), 124);
     s_errorShown = false;
@@ -44,22 +46,28 @@ CKavlorSplashWindow::CKavlorSplashWindow(RootViewController *root, const QString
             &CKavlorSplashWindow::requestDone);
     connect(this, &CKavlorSplashWindow::GoodExit, this, &CKavlorSplashWindow::runOnGoodExit);
 
-    m_ui->version->setText(tr("kavlor %1 beta").arg(QStringLiteral(KAVLOR_VERSION)));
+    sayProgress();
     m_user.load(lastUserName);
     m_root->show();
 }
 
 CKavlorSplashWindow::~CKavlorSplashWindow() = default;
 
+void CKavlorSplashWindow::retranslate()
+{
+    m_ui->retranslateUi(this);
+    sayProgress();
+}
+
 void CKavlorSplashWindow::startRequests()
 {
     QTimer::singleShot(timeConstants().startUpMinimum, Qt::PreciseTimer, this,
                        &CKavlorSplashWindow::timerExpired);
     if (password().isEmpty()) {
-        enter(FetchingTerms, tr("requesting terms data"));
+        enter(FetchingTerms, QT_TR_NOOP("requesting terms data"));
         m_request->getServiceTerms();
     } else {
-        enter(ValidatingLogin, tr("validating login"));
+        enter(ValidatingLogin, QT_TR_NOOP("validating login"));
         m_request->validateLogin(userName(), password());
     }
 }
@@ -100,34 +108,34 @@ void CKavlorSplashWindow::advance(const QString &response)
     case ValidatingLogin:
         m_loggedIn = succeeded && response.toInt() != 0;
         if (m_loggedIn) {
-            enter(FetchingCategories, tr("requesting categories"));
+            enter(FetchingCategories, QT_TR_NOOP("requesting categories"));
             m_request->getCategoryList(userName(), password());
         } else {
-            enter(FetchingTerms, tr("requesting terms data"));
+            enter(FetchingTerms, QT_TR_NOOP("requesting terms data"));
             m_request->getServiceTerms();
         }
         break;
     case FetchingCategories:
         if (succeeded)
             m_root->setCategoriesText(response);
-        enter(FetchingNotificationOptions, tr("requesting user options"));
+        enter(FetchingNotificationOptions, QT_TR_NOOP("requesting user options"));
         m_request->getNotificationOptions(userName(), password());
         break;
     case FetchingNotificationOptions:
         if (succeeded)
             m_root->setNotificationOptionsText(response);
-        enter(FetchingTerms, tr("data is ok, launching..."));
+        enter(FetchingTerms, QT_TR_NOOP("data is ok, launching..."));
         m_request->getServiceTerms();
         break;
     case FetchingTerms:
         m_root->setTermsText(response);
-        enter(FetchingCountries, tr("requesting countries data"));
+        enter(FetchingCountries, QT_TR_NOOP("requesting countries data"));
         m_request->getCountryList();
         break;
     case FetchingCountries:
         if (succeeded)
             m_root->setCountriesText(response);
-        enter(Done, tr("data is ok, launching..."));
+        enter(Done, QT_TR_NOOP("data is ok, launching..."));
         emit GoodExit();
         break;
     case Done:
@@ -149,10 +157,17 @@ void CKavlorSplashWindow::runOnGoodExit()
     leaveFrame(this);
 }
 
-void CKavlorSplashWindow::enter(State state, const QString &message)
+void CKavlorSplashWindow::enter(State state, const char *message)
 {
     m_state = state;
-    m_ui->progressMessage->setText(message);
+    m_message = message;
+    sayProgress();
+}
+
+void CKavlorSplashWindow::sayProgress()
+{
+    m_ui->version->setText(tr("kavlor %1 beta").arg(QStringLiteral(KAVLOR_VERSION)));
+    m_ui->progressMessage->setText(tr(m_message));
 }
 
 const QString &CKavlorSplashWindow::userName() const

@@ -56,9 +56,11 @@ private:
         FetchingNotificationOptions = 5
     };
 
+    void retranslate();
     void fail(const QString &error);
     void advance(const QString &response);
-    void enter(State state, const QString &message);
+    void enter(State state, const char *message);
+    void sayProgress();
     const QString &userName() const;
     const QString &password() const;
 
@@ -71,5 +73,6 @@ private:
     CHttpTolvex *m_request;
     bool m_loggedIn = false;
     State m_state = Done;
+    const char *m_message = QT_TR_NOOP("Initializing...");
     bool m_timeIsUp = false;
 };

@@ -32,6 +32,11 @@ const QTransform &clockwise()
     return turn;
 }
 
+QString clipKey()
+{
+    return QStringLiteral(":/videoicon.png");
+}
+
 QPixmap paintVideoIcon(const QSize &size)
 {
     QPixmap icon = QPixmap(QStringLiteral(":/videoicon.png"))
@@ -93,11 +98,10 @@ void MediaPreview::showClip()
     m_showsPrompt = false;
     m_photoFile.clear();
     m_large = QPixmap();
-    const QString key = QStringLiteral(":/videoicon.png");
     QPixmap icon;
-    if (!QPixmapCache::find(key, &icon)) {
+    if (!QPixmapCache::find(clipKey(), &icon)) {
         icon = paintVideoIcon(m_shownSize);
-        QPixmapCache::insert(key, icon);
+        QPixmapCache::insert(clipKey(), icon);
     }
     setPixmap(icon);
 }
@@ -106,6 +110,16 @@ void MediaPreview::keepSize()
 {
     if (!m_shownSize.isValid())
         m_shownSize = size();
+}
+
+void MediaPreview::changeEvent(QEvent *event)
+{
+    const bool showsClip = !m_showsPrompt && m_photoFile.isEmpty();
+    if (event->type() == QEvent::LanguageChange && showsClip) {
+        QPixmapCache::remove(clipKey());
+        showClip();
+    }
+    QLabel::changeEvent(event);
 }
 
 void MediaPreview::resizeEvent(QResizeEvent *event)

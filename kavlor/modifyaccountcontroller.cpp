@@ -4,6 +4,7 @@
 
 #include "announce.h"
 #include "httptolvex.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
@@ -48,6 +49,7 @@ CModifyAccountController::CModifyAccountController(CKavlorUser *user, QWidget *p
 {
     m_edited->setParent(this);
     m_ui->setupUi(this);
+    new Retranslation(this, [this] { retranslate(); });
     new RoomScale(this, QSize(1040, 520));
     new StartFocus(this, m_ui->checkBoxEmail);
     m_ui->errorLabelText->clear();
@@ -71,9 +73,7 @@ CModifyAccountController::CModifyAccountController(CKavlorUser *user, QWidget *p
     connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
             &CModifyAccountController::requestDone);
 
-    if (RootViewController *root = RootViewController::of(this)) {
-        root->setNavigationTextAndIcon(tr("My Account"), QStringLiteral(":/MyAccountIcon.png"));
-    }
+    sayTitle();
     for (QLineEdit *line :
          {m_ui->lineEmail, m_ui->linePassword, m_ui->linePaypal, m_ui->lineConfirm}) {
         setLocked(line, true);
@@ -82,6 +82,30 @@ CModifyAccountController::CModifyAccountController(CKavlorUser *user, QWidget *p
 }
 
 CModifyAccountController::~CModifyAccountController() = default;
+
+void CModifyAccountController::sayTitle()
+{
+    if (RootViewController *root = RootViewController::of(this))
+        root->setNavigationTextAndIcon(tr("My Account"), QStringLiteral(":/MyAccountIcon.png"));
+}
+
+// What keeps the record from being sent; empty when nothing does.
+QString CModifyAccountController::fault() const
+{
+    QString message;
+    m_edited->validate(m_ui->lineConfirm->text(), beforeSending,
+                       m_edited->field(CKavlorUser::TwitterPassword), &message, true);
+    return message;
+}
+
+void CModifyAccountController::retranslate()
+{
+    const bool toldFault = !m_ui->errorLabelText->text().isEmpty();
+    m_ui->retranslateUi(this);
+    sayTitle();
+    if (toldFault)
+        m_ui->errorLabelText->setText(fault());
+}
 
 void CModifyAccountController::lockClicked(const QCheckBox *box, QLineEdit *line,
                                            CKavlorUser::Field field)
@@ -144,9 +168,8 @@ void CModifyAccountController::doneClicked()
     if (m_requestPending)
         return;
     takeFormOver();
-    QString message;
-    if (!m_edited->validate(m_ui->lineConfirm->text(), beforeSending,
-                            m_edited->field(CKavlorUser::TwitterPassword), &message, true)) {
+    const QString message = fault();
+    if (!message.isEmpty()) {
         m_ui->errorLabelText->setText(message);
         m_ui->errorLabelText->setVisible(true);
         announce(m_ui->errorLabelText);

@@ -45,6 +45,9 @@ public slots:
     void emailPosChanged(int aOld = 0, int aNew = 0);
 
 private:
+    void sayTitle();
+    QString fault() const;
+    void retranslate();
     void takeFormOver();
     void lockClicked(const QCheckBox *box, QLineEdit *line, CKavlorUser::Field field);
 

@@ -25,6 +25,11 @@ NavigationControlableFrame::NavigationControlableFrame(QWidget *parent)
 
 NavigationControlableFrame::~NavigationControlableFrame() = default;
 
+void NavigationControlableFrame::retranslate()
+{
+    m_ui->retranslateUi(this);
+}
+
 void NavigationControlableFrame::setTitleAndIcon(const QString &title, const QString &iconPath)
 {
     m_ui->labelNavigationTitle->setText(title);

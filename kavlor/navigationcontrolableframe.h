@@ -28,6 +28,10 @@ public:
     explicit NavigationControlableFrame(QWidget *parent);
     ~NavigationControlableFrame() override;
 
+    /** Says the texts of the form in the language of now; whoever has set others says them again.
+     */
+    void retranslate();
+
     /** An empty @p iconPath hides the icon. */
     void setTitleAndIcon(const QString &title, const QString &iconPath);
     void setElementVisible(bool visible, int which);

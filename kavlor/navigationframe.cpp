@@ -29,6 +29,11 @@ NavigationFrame::NavigationFrame(QWidget *parent, bool showCancel, bool showProg
 
 NavigationFrame::~NavigationFrame() = default;
 
+void NavigationFrame::retranslate()
+{
+    m_ui->retranslateUi(this);
+}
+
 void NavigationFrame::setWelcomeText(const QString &text)
 {
     m_ui->labelWelcomeTo->setText(text);

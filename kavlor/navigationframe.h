@@ -24,6 +24,10 @@ public:
     NavigationFrame(QWidget *parent, bool showCancel, bool showProgress);
     ~NavigationFrame() override;
 
+    /** Says the texts of the form in the language of now; whoever has set others says them again.
+     */
+    void retranslate();
+
     void setWelcomeText(const QString &text);
     QPushButton *cancelButton() const;
     void setProgressVisible(bool visible);

@@ -42,6 +42,11 @@ CNotificationsController::CNotificationsController(CKavlorUser *user,
     connect(m_request, qOverload<QString, QString>(&CHttpTolvex::requestIsFinished), this,
             &CNotificationsController::requestDone);
 
+    sayTitle();
+}
+
+void CNotificationsController::sayTitle()
+{
     if (RootViewController *root = RootViewController::of(this)) {
         root->setNavigationTextAndIcon(tr("Notification Options"),
                                        QStringLiteral(":/NotificationIcon.png"));
@@ -80,7 +85,10 @@ void CNotificationsController::requestDone(const QString &aResponse, const QStri
 
 void CNotificationsController::changeEvent(QEvent *event)
 {
-    if (event->type() == QEvent::LanguageChange)
+    if (event->type() == QEvent::LanguageChange) {
         m_ui->retranslateUi(this);
+        if (!isHidden())
+            sayTitle();
+    }
     QFrame::changeEvent(event);
 }

@@ -43,6 +43,8 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    void sayTitle();
+
     std::unique_ptr<Ui::CNotificationsController> m_ui;
     CKavlorNotificationOptions *m_options;
     CHttpTolvex *m_request;

@@ -139,6 +139,16 @@ PromptedField::PromptedField(QWidget *field, GetText text, SetText fill, SetText
     field->installEventFilter(this);
 }
 
+void PromptedField::setPrompt(const QString &prompt)
+{
+    const bool isShown = !m_cleared && m_text() == m_prompt;
+    m_prompt = prompt;
+    if (!isShown)
+        return;
+    const QSignalBlocker quiet(m_field); // it is no touch
+    m_fill(prompt);
+}
+
 bool PromptedField::isEmpty() const
 {
     return m_empty;

@@ -27,6 +27,8 @@ public:
     explicit PromptedField(QLineEdit *field);
     explicit PromptedField(QPlainTextEdit *field);
 
+    /** The prompt, in another language; shown unless a touch has wiped it. */
+    void setPrompt(const QString &prompt);
     /** No first letter was seen yet. It does not count that all letters were taken out again. */
     bool isEmpty() const;
     /** What is in the field, be it the prompt. */
@@ -58,7 +60,7 @@ private:
     const GetText m_text;
     const SetText m_fill;             // instead of the prompt
     const SetTextAndCursor m_correct; // the first letter
-    const QString m_prompt;
+    QString m_prompt;
     bool m_empty = true;
     bool m_cleared = false; // the prompt was wiped
 };

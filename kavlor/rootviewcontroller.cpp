@@ -18,12 +18,14 @@
 #include "messagebox.h"
 #include "navigationcontrolableframe.h"
 #include "navigationframe.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "theme.h"
 #include "timeconstants.h"
 #include "ui_rootviewcontroller.h"
 #include "uploadmediacontroller.h"
 
+#include <QPixmapCache>
 #include <QPushButton>
 #include <QSettings>
 #include <QTimer>
@@ -47,6 +49,10 @@ RootViewController::RootViewController(QSettings *settings, QWidget *parent)
     , m_settings(settings)
 {
     m_ui->setupUi(this);
+    new Retranslation(this, [this] {
+        m_ui->retranslateUi(this);
+        QPixmapCache::clear(); // painted texts are painted anew
+    });
     setStyleSheet(rootStyleSheet());
     m_ui->navigationBar->setStyleSheet(themeStyleSheet());
     m_ui->mainView->setStyleSheet(themeStyleSheet());
@@ -149,12 +155,16 @@ void RootViewController::deleteBar()
     m_bar.clear();
 }
 
-NavigationControlableFrame *RootViewController::makeControlableBar(const QString &title,
-                                                                   const QString &icon)
+// @p say gives the bar the texts that its screen begins with, now and in every other language.
+NavigationControlableFrame *RootViewController::makeControlableBar(const SayInBar &say)
 {
     auto *bar = new NavigationControlableFrame(m_ui->navigationBar);
     bar->setElementVisible(true, NavigationControlableFrame::All);
-    bar->setTitleAndIcon(title, icon);
+    say(bar);
+    new Retranslation(bar, [bar, say] {
+        bar->retranslate();
+        say(bar);
+    });
     m_bar = bar;
     return bar;
 }
@@ -181,6 +191,10 @@ void RootViewController::showWelcome()
 
     auto *bar = new NavigationFrame(m_ui->navigationBar, false, false);
     bar->setWelcomeText(tr("welcome to "));
+    new Retranslation(bar, [bar] {
+        bar->retranslate();
+        bar->setWelcomeText(tr("welcome to "));
+    });
     m_bar = bar;
     bar->show();
 
@@ -240,9 +254,10 @@ void RootViewController::showHome(const QString &userName, const QString &passwo
     if (CKavlorCategoryStore::isEmpty() && !m_categoriesText.isEmpty())
         CKavlorCategoryStore::load(m_categoriesText);
 
-    NavigationControlableFrame *bar =
-        makeControlableBar(tr("welcome to kavlor!"), QStringLiteral(":/KavlorMicroLogo.png"));
-    bar->setElementText(NavigationControlableFrame::CancelButton, tr("Sign out"));
+    NavigationControlableFrame *bar = makeControlableBar([](NavigationControlableFrame *shown) {
+        shown->setTitleAndIcon(tr("welcome to kavlor!"), QStringLiteral(":/KavlorMicroLogo.png"));
+        shown->setElementText(NavigationControlableFrame::CancelButton, tr("Sign out"));
+    });
     bar->setElementVisible(false, NavigationControlableFrame::BackButton);
 
     auto *frame = new KavlorKnownUser(userName, password, m_ui->mainView);
@@ -323,16 +338,19 @@ void RootViewController::ShowSettingsOptions(const QString &userName, const QStr
         return;
     }
 
+    const bool isOpenedOnAlerts = aNotificationAtOnce != 0;
     NavigationControlableFrame *bar =
-        makeControlableBar(tr("Settings"), QStringLiteral(":/MySettingsIcon.png"));
+        makeControlableBar([isOpenedOnAlerts](NavigationControlableFrame *shown) {
+            shown->setTitleAndIcon(tr("Settings"), QStringLiteral(":/MySettingsIcon.png"));
+            if (isOpenedOnAlerts)
+                shown->setElementText(NavigationControlableFrame::BackButton, tr("Home"));
+        });
     auto *frame = new CKavlorSettings(&m_user, &m_notificationOptions, m_ui->mainView);
     connect(bar, &NavigationControlableFrame::backClicked, frame, &CKavlorSettings::backClicked);
     bar->setElementVisible(false, NavigationControlableFrame::CancelButton);
-    if (aNotificationAtOnce != 0)
-        bar->setElementText(NavigationControlableFrame::BackButton, tr("Home"));
     bar->show();
     frame->show();
-    if (aNotificationAtOnce != 0)
+    if (isOpenedOnAlerts)
         frame->notificationsClicked(false); // gives the bar its own title
 }
 
@@ -344,9 +362,10 @@ void RootViewController::showNotifications()
 void RootViewController::ShowMyKavlorOptions()
 {
     deleteBar();
-    NavigationControlableFrame *bar =
-        makeControlableBar(tr("My kavlor"), QStringLiteral(":/myKavlor.png"));
-    bar->setElementText(NavigationControlableFrame::CancelButton, tr("Cancel"));
+    NavigationControlableFrame *bar = makeControlableBar([](NavigationControlableFrame *shown) {
+        shown->setTitleAndIcon(tr("My kavlor"), QStringLiteral(":/myKavlor.png"));
+        shown->setElementText(NavigationControlableFrame::CancelButton, tr("Cancel"));
+    });
     bar->setElementVisible(false, NavigationControlableFrame::CancelButton);
     bar->show();
 
@@ -361,9 +380,10 @@ void RootViewController::ShowMyKavlorOptions()
 void RootViewController::ShowUploadOptions()
 {
     deleteBar();
-    NavigationControlableFrame *bar =
-        makeControlableBar(tr("Upload"), QStringLiteral(":/UploadIcon.png"));
-    bar->setElementText(NavigationControlableFrame::CancelButton, tr("Cancel"));
+    NavigationControlableFrame *bar = makeControlableBar([](NavigationControlableFrame *shown) {
+        shown->setTitleAndIcon(tr("Upload"), QStringLiteral(":/UploadIcon.png"));
+        shown->setElementText(NavigationControlableFrame::CancelButton, tr("Cancel"));
+    });
     bar->show();
 
     auto *frame = new CUploadMediaController(&m_user, m_ui->mainView);

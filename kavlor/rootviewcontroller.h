@@ -5,6 +5,7 @@
 #include <QFrame>
 #include <QPointer>
 #include <QString>
+#include <functional>
 #include <memory>
 
 #include "kavlornotificationoptions.h"
@@ -112,7 +113,8 @@ private:
     template <typename Frame>
     Frame *shownFrame() const;
     void deleteBar();
-    NavigationControlableFrame *makeControlableBar(const QString &title, const QString &icon);
+    using SayInBar = std::function<void(NavigationControlableFrame *bar)>;
+    NavigationControlableFrame *makeControlableBar(const SayInBar &say);
     const QString &userName() const;
     const QString &password() const;
 

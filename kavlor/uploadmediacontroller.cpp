@@ -14,6 +14,7 @@
 #include "messagebox.h"
 #include "progressivemodel.h"
 #include "promptedfield.h"
+#include "retranslation.h"
 #include "roomscale.h"
 #include "rootviewcontroller.h"
 #include "startfocus.h"
@@ -58,6 +59,7 @@ CUploadMediaController::CUploadMediaController(CKavlorUser *user, QWidget *paren
     , m_draft(draftOf(this))
 {
     m_ui->setupUi(this);
+    new Retranslation(this, [this] { retranslate(); });
     auto *scale = new RoomScale(this);
     scale->apply([this](qreal factor) {
         // The description fills a page that is higher than the handheld's.
@@ -80,6 +82,27 @@ CUploadMediaController::~CUploadMediaController()
         keepDraft();
 }
 
+void CUploadMediaController::sayPrompts()
+{
+    m_caption->setPrompt(tr("Caption"));
+    m_description->setPrompt(tr("Description"));
+}
+
+void CUploadMediaController::retranslate()
+{
+    const bool isPrompting = !m_ui->photoClicker->text().isEmpty();
+    m_ui->retranslateUi(this);
+    m_chooserText = m_ui->photoClicker->text();
+    if (!isPrompting)
+        m_ui->photoClicker->setText(QString());
+    if (m_uploading)
+        m_ui->progressUpload->setAccessibleName(tr("Your auction is being uploaded. Please wait."));
+    sayPrompts();
+    // Where the prompt waits in the record, it would come back from there.
+    if (m_description->isEmpty() && !m_record.description.isEmpty())
+        m_record.description = m_description->text();
+}
+
 void CUploadMediaController::connectForm()
 {
     connect(m_ui->photoClicker, &QToolButton::clicked, this,
@@ -100,6 +123,7 @@ void CUploadMediaController::connectForm()
     new FingerScroll(m_ui->textDescription, FingerScroll::Text);
     m_caption = new PromptedField(m_ui->lineCaption);
     m_description = new PromptedField(m_ui->textDescription);
+    sayPrompts();
 }
 
 void CUploadMediaController::connectRequest()

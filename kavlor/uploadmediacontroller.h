@@ -75,6 +75,8 @@ protected:
 private:
     enum Step { ChoosingMedia, Describing, Categorizing, Pricing, Confirming, Uploading };
 
+    void sayPrompts();
+    void retranslate();
     void connectForm();
     void connectRequest();
     void setPercentage(int percentage);

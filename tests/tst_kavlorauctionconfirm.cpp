@@ -3,10 +3,12 @@
 #include "auctionrecord.h"
 #include "kavlorauctionconfirm.h"
 #include "kavlorcategorystore.h"
+#include "languages.h"
 #include "testcase.h"
 #include "testmain.h"
 
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTextBrowser>
 #include <QTextTable>
@@ -85,6 +87,8 @@ private slots:
     void theSummaryHasItsRowsInOrder();
     void theSummaryIsLaidOutAsAgreed();
     void unsetPricesReadNotSet();
+    void inGermanThePricesAreWrittenAsThere();
+    void theSummaryFollowsTheLanguage();
     void aCaptionWithALessThanSignShowsAsText();
     void anAmpersandInTheCaptionIsPassedUnchanged();
     void aCategoryNameWithALessThanSignShowsAsText();
@@ -159,6 +163,36 @@ void tst_KavlorAuctionConfirm::unsetPricesReadNotSet()
     QCOMPARE(value(record, QStringLiteral("Reserved:")), QStringLiteral("Not set"));
     QCOMPARE(value(record, QStringLiteral("Buy it now:")), QStringLiteral("Not set"));
     QCOMPARE(value(record, QStringLiteral("Start price:")), QStringLiteral("USD 4000000000"));
+}
+
+void tst_KavlorAuctionConfirm::inGermanThePricesAreWrittenAsThere()
+{
+    CAuctionRecord record = goodRecord();
+    record.startPrice = 12345;
+    record.reservePrice = 0;
+    QCOMPARE(value(record, QStringLiteral("Start price:")), QStringLiteral("USD 12345"));
+
+    const auto back = qScopeGuard([] { QLocale::setDefault(QLocale::c()); });
+    const QLocale german(QLocale::German, QLocale::Germany);
+    QLocale::setDefault(german);
+    Languages languages;
+    languages.use(german);
+    QCOMPARE(value(record, QStringLiteral("Startpreis:")), QStringLiteral("12.345 USD"));
+    QCOMPARE(value(record, QStringLiteral("Mindestpreis:")), QStringLiteral("Nicht festgelegt"));
+}
+
+void tst_KavlorAuctionConfirm::theSummaryFollowsTheLanguage()
+{
+    const CAuctionRecord record = goodRecord();
+    const Page page(&record, nullptr);
+    const QString english = document(page)->toPlainText();
+    {
+        Languages languages;
+        languages.use(QLocale(QLocale::Finnish));
+        QTRY_VERIFY(document(page)->toPlainText().contains(QStringLiteral("Pohjahinta:")));
+        QVERIFY(document(page)->toPlainText().contains(record.caption));
+    }
+    QTRY_COMPARE(document(page)->toPlainText(), english);
 }
 
 void tst_KavlorAuctionConfirm::aCaptionWithALessThanSignShowsAsText()

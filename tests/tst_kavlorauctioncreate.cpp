@@ -2,6 +2,7 @@
 
 #include "dialoganswers.h"
 #include "kavlorauctioncreate.h"
+#include "languages.h"
 #include "testcase.h"
 #include "testmain.h"
 
@@ -9,6 +10,7 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QSpinBox>
 
@@ -48,6 +50,8 @@ class tst_KavlorAuctionCreate : public TestCase
 private slots:
     void formHasTheStatedTextsAndLimits();
     void showsThePricesItIsGiven();
+    void inGermanThePricesAreWrittenAsThere();
+    void aChangeOfLanguageLeavesThePrices();
     void rule_data();
     void rule();
     void refusedPricesStayToBeCorrected();
@@ -90,6 +94,35 @@ void tst_KavlorAuctionCreate::showsThePricesItIsGiven()
     QCOMPARE(box(&page, "reservePrice")->value(), 20);
     QCOMPARE(box(&page, "buyItNowPrice")->value(), 30);
     QCOMPARE(box(&page, "startPrice")->value(), 10);
+}
+
+void tst_KavlorAuctionCreate::inGermanThePricesAreWrittenAsThere()
+{
+    {
+        const Page page(0, 0, 12345, nullptr);
+        QCOMPARE(box(&page, "startPrice")->text(), QStringLiteral("12345"));
+    }
+    const auto back = qScopeGuard([] { QLocale::setDefault(QLocale::c()); });
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    Page page(0, 0, 12345, nullptr);
+    page.show();
+    QCOMPARE(box(&page, "startPrice")->text(), QStringLiteral("12.345"));
+    type(&page, "startPrice", QStringLiteral("1.000.000"));
+    QCOMPARE(box(&page, "startPrice")->value(), 1000000);
+    type(&page, "startPrice", QStringLiteral("2000"));
+    QCOMPARE(box(&page, "startPrice")->value(), 2000);
+}
+
+void tst_KavlorAuctionCreate::aChangeOfLanguageLeavesThePrices()
+{
+    Page page(0, 0, 1, nullptr);
+    page.show();
+    type(&page, "startPrice", QStringLiteral("47"));
+    Languages languages;
+    languages.use(QLocale(QLocale::German));
+    QTRY_COMPARE(labelText(&page, "startPriceLabel"), QStringLiteral("Startpreis:"));
+    QCOMPARE(box(&page, "reservePrice")->text(), QStringLiteral("Nicht festgelegt"));
+    QCOMPARE(box(&page, "startPrice")->text(), QStringLiteral("47"));
 }
 
 void tst_KavlorAuctionCreate::rule_data()

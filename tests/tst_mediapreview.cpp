@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "languages.h"
 #include "mediapreview.h"
 #include "testcase.h"
 #include "testconstants.h"
@@ -22,6 +23,7 @@ private slots:
     void promptGrowsWithThePreviewAPhotoDoesNot();
     void whatIsNoPhotoLeavesWhatWasShown();
     void clipHasASizeOfItsOwn();
+    void clipSpeaksTheLanguageOfNow();
     void promptCallsOffTheTurn();
 
 private:
@@ -103,6 +105,21 @@ void tst_MediaPreview::clipHasASizeOfItsOwn()
     preview.keepSize();
     preview.showClip();
     QCOMPARE(preview.pixmap().size(), QSize(240, 180));
+}
+
+void tst_MediaPreview::clipSpeaksTheLanguageOfNow()
+{
+    MediaPreview preview;
+    preview.resize(240, 180);
+    preview.keepSize();
+    preview.showClip();
+    const QImage english = preview.pixmap().toImage();
+    {
+        Languages languages;
+        languages.use(QLocale(QLocale::German));
+        QTRY_VERIFY(preview.pixmap().toImage() != english);
+    }
+    QTRY_COMPARE(preview.pixmap().toImage(), english);
 }
 
 void tst_MediaPreview::promptCallsOffTheTurn()

@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: MIT
 
+#include "languages.h"
+#include "paddedtexts.h"
 #include "picturecomparison.h"
 #include "progressivemodel.h"
 #include "roomscale.h"
 #include "rootwindow.h"
+#include "servicehost.h"
 #include "testcase.h"
 #include "testconstants.h"
 #include "testmain.h"
+#include "widgettext.h"
 
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
@@ -17,6 +21,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTabBar>
 #include <QTabWidget>
@@ -29,7 +34,7 @@
 /**
  * Walks every screen at the sizes it must fit and looks at what a member would: nothing cut off,
  * nothing on top of something else, everything large enough for a finger and named for a screen
- * reader. Run at more than one scale of the screen.
+ * reader. Run at more than one scale of the screen, and in every language.
  */
 class tst_Screens : public TestCase
 {
@@ -40,6 +45,8 @@ private slots:
 
     void everythingIsInPlace_data();
     void everythingIsInPlace();
+    void everyTextFollowsTheLanguage_data();
+    void everyTextFollowsTheLanguage();
 
 private:
     using Way = bool (tst_Screens::*)(RootWindow &);
@@ -76,6 +83,10 @@ private:
     void checkNames(const RootWindow &window);
     void checkTabOrder(const RootWindow &window);
 
+    // In what the program speaks: "de", "fi", "longer" or, when empty, as it is written.
+    const QString m_language = qEnvironmentVariable("KAVLOR_SCREENS_LANGUAGE");
+    Languages m_languages;
+    PaddedTexts m_padded;
     QTemporaryDir m_folder;
     QString m_photo;
 };
@@ -175,6 +186,28 @@ bool isInsideAScrollArea(const QWidget *widget)
     return false;
 }
 
+// All that the screen says, to the eye and to a screen reader.
+QStringList textsOf(const RootWindow &window)
+{
+    QStringList texts;
+    const QList<QWidget *> widgets = window.root()->findChildren<QWidget *>();
+    for (const QWidget *widget : widgets) {
+        const QString name = widget->objectName();
+        if (!widget->isVisible() || name.isEmpty() || name.startsWith(QLatin1String("qt_")))
+            continue;
+        QString said = widgetText(widget);
+        if (const auto *tabs = qobject_cast<const QTabWidget *>(widget))
+            said = tabs->tabText(0) + tabs->tabText(1);
+        texts.append(name + QStringLiteral(": ")
+                     + QStringList{said, widget->toolTip(), widget->accessibleName(),
+                                   widget->accessibleDescription()}
+                           .join(QStringLiteral(" | ")));
+    }
+    texts.sort();
+    // Every window has a service of its own.
+    return texts.replaceInStrings(serviceHost(), QStringLiteral("host"));
+}
+
 } // namespace
 
 void tst_Screens::initTestCase()
@@ -186,6 +219,12 @@ void tst_Screens::initTestCase()
     QImage image(640, 480, QImage::Format_RGB32);
     image.fill(QColor(90, 150, 210));
     QVERIFY(image.save(m_photo, "JPEG"));
+    if (m_language == QLatin1String("longer")) {
+        QVERIFY(QCoreApplication::installTranslator(&m_padded));
+    } else if (!m_language.isEmpty()) {
+        QLocale::setDefault(QLocale(m_language));
+        m_languages.use(QLocale(m_language));
+    }
 }
 
 bool tst_Screens::toStart(RootWindow &window)
@@ -317,7 +356,8 @@ bool tst_Screens::toMyAuctionsEmpty(RootWindow &window)
 {
     return toMyAuctionsWaiting(window) && window.service.release() && waitUntil([&] {
                return window.text("labelPleaseWait")
-                   == QLatin1String("There is no data to display.");
+                   == QCoreApplication::translate("CKavlorMyAuctionsController",
+                                                  "There is no data to display.");
            });
 }
 
@@ -412,8 +452,11 @@ void tst_Screens::everythingIsInPlace()
     for (CProgressiveModel *strip : strips)
         strip->animate(false, 0, 0);
     QImage smallest;
-    for (const QSize size :
-         {QSize(800, 424), QSize(1280, 800), QSize(1920, 1080), QSize(800, 424)}) {
+    // A text that fits the smallest window in another language has more room in the others.
+    const QList<QSize> sizes = m_language.isEmpty()
+        ? QList<QSize>{{800, 424}, {1280, 800}, {1920, 1080}, {800, 424}}
+        : QList<QSize>{{800, 424}};
+    for (const QSize size : sizes) {
         window.root()->resize(size);
         QTRY_COMPARE(window.root()->size(), size);
         QCoreApplication::processEvents(); // layouts follow
@@ -496,6 +539,14 @@ void tst_Screens::checkTexts(const RootWindow &window)
                 button->width() >= needed.width() && button->height() >= needed.height(),
                 qPrintable(QStringLiteral("needs %1x%2: ").arg(needed.width()).arg(needed.height())
                            + describe(button)));
+        } else if (const auto *spin = qobject_cast<const QAbstractSpinBox *>(item)) {
+            const auto *line = spin->findChild<QLineEdit *>();
+            const int needed = line->fontMetrics().horizontalAdvance(spin->text());
+            QVERIFY2(
+                line->width() >= needed,
+                qPrintable(QStringLiteral("needs %1 in width: ").arg(needed) + describe(spin)));
+        } else if (const auto *tabs = qobject_cast<const QTabBar *>(item)) {
+            QVERIFY2(tabs->width() >= tabs->sizeHint().width(), qPrintable(describe(tabs)));
         }
     }
 }
@@ -577,6 +628,43 @@ void tst_Screens::checkTabOrder(const RootWindow &window)
                  qPrintable(describe(order.at(one)) + QStringLiteral(" comes before ")
                             + describe(order.at(one + 1))));
     }
+}
+
+void tst_Screens::everyTextFollowsTheLanguage_data()
+{
+    everythingIsInPlace_data();
+}
+
+// A screen that was there when the language changed says what it says when it comes up in that
+// language; what the member has typed is among it.
+void tst_Screens::everyTextFollowsTheLanguage()
+{
+    if (!m_language.isEmpty())
+        return; // one run is enough
+    QFETCH(Way, way);
+    const auto speakEnglishAgain =
+        qScopeGuard([this] { m_languages.use(QLocale(QLocale::English)); });
+    QStringList english;
+    QStringList followed;
+    QStringList englishAgain;
+    {
+        RootWindow window;
+        QVERIFY2((this->*way)(window), window.service.report());
+        english = textsOf(window);
+        m_languages.use(QLocale(QLocale::German));
+        QCoreApplication::processEvents();
+        followed = textsOf(window);
+        m_languages.use(QLocale(QLocale::English));
+        QCoreApplication::processEvents();
+        englishAgain = textsOf(window);
+    }
+    m_languages.use(QLocale(QLocale::German));
+    RootWindow window;
+    QVERIFY2((this->*way)(window), window.service.report());
+    const QStringList expected = textsOf(window);
+    QCOMPARE(followed, expected);
+    QCOMPARE(englishAgain, english);
+    QVERIFY(followed != english);
 }
 
 KAVLOR_TEST_MAIN(tst_Screens)

@@ -296,10 +296,6 @@ Näheres steht hier.
         <translation>kavlor</translation>
     </message>
     <message>
-        <source>kavlor BETA</source>
-        <translation>kavlor BETA</translation>
-    </message>
-    <message>
         <source>Progress</source>
         <translation>Fortschritt</translation>
     </message>
@@ -858,10 +854,6 @@ Video zu wählen</translation>
     <message>
         <source>Password</source>
         <translation>Passwort</translation>
-    </message>
-    <message>
-        <source>User with such a password was not found.</source>
-        <translation>Es gibt kein Mitglied mit diesem Passwort.</translation>
     </message>
     <message>
         <source>I forgot my password</source>

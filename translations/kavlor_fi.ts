@@ -296,10 +296,6 @@ Lisätietoja alla.
         <translation>kavlor</translation>
     </message>
     <message>
-        <source>kavlor BETA</source>
-        <translation>kavlor BETA</translation>
-    </message>
-    <message>
         <source>Progress</source>
         <translation>Edistyminen</translation>
     </message>
@@ -858,10 +854,6 @@ tästä</translation>
     <message>
         <source>Password</source>
         <translation>Salasana</translation>
-    </message>
-    <message>
-        <source>User with such a password was not found.</source>
-        <translation>Käyttäjää, jolla on tämä salasana, ei löytynyt.</translation>
     </message>
     <message>
         <source>I forgot my password</source>
