@@ -14,6 +14,10 @@
 #include "startfocus.h"
 #include "ui_kavlorlogin.h"
 
+#include <QDesktopServices>
+#include <QShortcut>
+#include <QUrl>
+
 namespace {
 
 QString passwordPage()
@@ -41,6 +45,14 @@ KavlorLogin::KavlorLogin(QSettings *settings, QWidget *parent)
     for (QLineEdit *line : {m_ui->lineUsername, m_ui->linePassword}) {
         connect(line, &QLineEdit::textChanged, this, &KavlorLogin::UserChanged);
         connect(line, &QLineEdit::returnPressed, m_ui->loginButton, &QPushButton::click);
+    }
+    // The toolkit opens it only once another press of the tab key has led from the text to its
+    // link.
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto *shortcut = new QShortcut(key, m_ui->forgotPassword);
+        shortcut->setContext(Qt::WidgetShortcut);
+        connect(shortcut, &QShortcut::activated, this,
+                [] { QDesktopServices::openUrl(QUrl(passwordPage())); });
     }
 }
 

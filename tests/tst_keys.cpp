@@ -10,6 +10,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QDesktopServices>
 #include <QDir>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -19,6 +20,7 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QUrl>
 
 #include <private/qguiapplication_p.h>
 #include <qpa/qplatformaccessibility.h>
@@ -45,6 +47,7 @@ private slots:
     void enterPressesTheButton_data();
     void enterPressesTheButton();
     void heldEnterPressesOnce();
+    void enterOpensThePasswordPage();
     void enterPressesTheFocusedButtonOfABox();
 
     void refusedLoginGoesOnAtThePassword_data();
@@ -99,6 +102,37 @@ private:
 };
 
 namespace {
+
+// The web browser of the desktop, which notes what it is to show.
+class PageOpener : public QObject
+{
+    Q_OBJECT
+
+public:
+    PageOpener()
+    {
+        QDesktopServices::setUrlHandler(QStringLiteral("http"), this, "open");
+    }
+    ~PageOpener() override
+    {
+        QDesktopServices::unsetUrlHandler(QStringLiteral("http"));
+    }
+    Q_DISABLE_COPY_MOVE(PageOpener)
+
+    QList<QUrl> pages() const
+    {
+        return m_pages;
+    }
+
+public slots:
+    void open(const QUrl &page)
+    {
+        m_pages.append(page);
+    }
+
+private:
+    QList<QUrl> m_pages;
+};
 
 // What a screen reader is told to say at once while this lives, as it gets it.
 class ScreenReader
@@ -439,6 +473,23 @@ void tst_Keys::heldEnterPressesOnce()
     window.service.expect("CreateAuction", "17");
     Keyboard::press(Qt::Key_Return);
     QVERIFY(comes(window, "buttonOk"));
+}
+
+void tst_Keys::enterOpensThePasswordPage()
+{
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        RootWindow window;
+        QVERIFY2(toLogin(window), window.service.report());
+        PageOpener opener;
+        QVERIFY(pressAt("forgotPassword", key));
+        const QUrl page(QStringLiteral("http://") + window.service.host()
+                        + QStringLiteral("/index.php?do=forgotpass"));
+        QCOMPARE(opener.pages(), QList<QUrl>{page});
+        Keyboard::press(Qt::Key_Tab); // to the link itself
+        QCOMPARE(Keyboard::focus(), name("forgotPassword"));
+        Keyboard::press(key);
+        QCOMPARE(opener.pages(), (QList<QUrl>{page, page}));
+    }
 }
 
 void tst_Keys::enterPressesTheFocusedButtonOfABox()
