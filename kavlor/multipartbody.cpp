@@ -14,6 +14,9 @@
 #include <limits>
 #include <new>
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 namespace {
 
 QByteArray textPart(const QByteArray &boundary, const QString &name, const QString &value)
@@ -58,6 +61,19 @@ QByteArray mediaHead(const QByteArray &boundary, const QString &path, qint64 siz
         + "\r\nContent-Type: application/octet-stream\r\n\r\n";
 }
 
+// Asks for large pages, of which fewer have to be got one by one as the file is read into them.
+void useLargePages([[maybe_unused]] QByteArray *bytes)
+{
+#ifdef MADV_HUGEPAGE
+    const auto page = static_cast<qsizetype>(sysconf(_SC_PAGESIZE));
+    const auto address = reinterpret_cast<quintptr>(bytes->data());
+    const auto skipped = page - static_cast<qsizetype>(address % static_cast<quintptr>(page));
+    if (bytes->capacity() > skipped)
+        madvise(bytes->data() + skipped, static_cast<size_t>(bytes->capacity() - skipped),
+                MADV_HUGEPAGE);
+#endif
+}
+
 // Takes the memory for so many bytes, when there is as much. A clip may well be larger than a
 // device's memory, and that must not be the end of the program.
 bool reserve(QByteArray *bytes, qint64 size)
@@ -69,6 +85,7 @@ bool reserve(QByteArray *bytes, qint64 size)
     } catch (const std::bad_alloc &) {
         return false;
     }
+    useLargePages(bytes);
     return true;
 }
 
