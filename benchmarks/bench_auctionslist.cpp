@@ -23,8 +23,8 @@
 
 namespace {
 
-constexpr QSize windowSize(800, 424);
-constexpr int warmRows = 40; // of which the pictures are ready in the cache
+constexpr QSize windowSize(800, 360); // four rows, each whole
+constexpr int warmRows = 40;          // of which the pictures are ready in the cache
 
 void settle()
 {

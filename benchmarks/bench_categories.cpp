@@ -100,15 +100,17 @@ int main(int argc, char *argv[])
 {
     const QApplication app(argc, argv);
     Table table(app, QStringLiteral("Categories, in milliseconds of processor time"));
-    const auto compare = [&table](const char *what, double (*cost)(int)) {
+    const auto compare = [&table](const char *what, double bound, double (*cost)(int)) {
         table.compareSizes(
-            QString::fromLatin1(what), 3,
+            QString::fromLatin1(what), bound,
             {table.scaled(1000, 20), table.scaled(3000, 30), table.scaled(10000, 40)},
             {QString(), cost}, {QStringLiteral("of 100"), [cost](int) { return cost(few); }});
     };
     openLevel(few);
-    compare("a level of %1 categories opened", &openLevel);
-    compare("a level of %1 categories left", &leaveLevel);
-    compare("the level above one of %1 categories shown", &showTop);
+    compare("a level of %1 categories opened", 3, &openLevel);
+    // For information: in the level above, the names of all stand in one line, of which the middle
+    // is seen.
+    compare("a level of %1 categories left", 0, &leaveLevel);
+    compare("the level above one of %1 categories shown", 0, &showTop);
     return table.exitCode();
 }

@@ -14,6 +14,7 @@
 #include "timeconstants.h"
 #include "ui_kavlorauctioncategorize.h"
 
+#include <QHeaderView>
 #include <QShortcut>
 
 namespace {
@@ -80,11 +81,15 @@ void CKavlorAuctionCategorize::setUpTable()
         delegate->setScale(factor);
         m_model->setPixelRatio(factor * devicePixelRatioF());
         m_ui->categoriesTable->resizeColumnsToContents();
-        m_ui->categoriesTable->resizeRowsToContents();
+        // All rows have the height of their contents, at a cost that does not grow with their
+        // number.
+        m_ui->categoriesTable->verticalHeader()->setDefaultSectionSize(
+            delegate->cellSize(CKavlorCategoryModel::CategoryColumn).height());
     });
     delegate->setCellText([this](const QModelIndex &index) { return m_model->cellText(index); });
     showPaintedCells(m_ui->categoriesTable, delegate);
     m_ui->categoriesTable->viewport()->setAutoFillBackground(false);
+    m_ui->categoriesTable->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     new FingerScroll(m_ui->categoriesTable, FingerScroll::Rows);
     // By name, since the table's slot is protected.
     connect(m_model, SIGNAL(rowCountChanged(int, int)), m_ui->categoriesTable,
@@ -114,7 +119,6 @@ void CKavlorAuctionCategorize::renewCategories(int aCategory)
     m_model->setChosen(m_chosen);
     m_ui->categoriesTable->setModel(m_model);
     m_ui->categoriesTable->resizeColumnsToContents();
-    m_ui->categoriesTable->resizeRowsToContents();
     m_ui->categoriesTable->setProperty("FingerScrollable", true);
     emit categoryChanged(m_chosen, QModelIndex());
 }
@@ -154,7 +158,6 @@ void CKavlorAuctionCategorize::redrawCategories(int aChosenCategory, QModelIndex
     const bool levelChanged = m_model->levelParent() != m_drawnLevel;
     m_drawnLevel = m_model->levelParent();
     if (levelChanged || aIndex.model() != m_model) {
-        m_ui->categoriesTable->resizeRowsToContents();
         // Where the keys begin.
         m_ui->categoriesTable->setCurrentIndex(
             m_model->index(0, CKavlorCategoryModel::CategoryColumn));

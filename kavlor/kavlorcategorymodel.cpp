@@ -259,12 +259,10 @@ QPixmap CKavlorCategoryModel::paintCell(int identifier, int column) const
     if (column == BackColumn) {
         if (m_hasParent)
             paintMarker(&painter, QStringLiteral("<"));
-    } else {
-        const QString children = childrenLine(identifier);
-        if (column == CategoryColumn)
-            paintCategory(&painter, identifier, !m_hasParent, chosen, children);
-        else if (!children.isEmpty())
-            paintMarker(&painter, QStringLiteral(">"));
+    } else if (column == CategoryColumn) {
+        paintCategory(&painter, identifier, !m_hasParent, chosen, childrenLine(identifier));
+    } else if (!childrenLine(identifier).isEmpty()) {
+        paintMarker(&painter, QStringLiteral(">"));
     }
     painter.setPen(listStyle().separatorColor);
     painter.drawLine(0, separatorTop, cellSize(column).width(), separatorTop);

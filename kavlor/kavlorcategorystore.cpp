@@ -66,13 +66,22 @@ int CKavlorCategoryStore::parentOf(int category, int missing) const
 
 QList<int> CKavlorCategoryStore::children(int parent) const
 {
-    return m_parents.keys(parent);
+    return m_children.value(parent);
 }
 
 void CKavlorCategoryStore::fill(const QString &reply)
 {
     m_names.clear();
     m_parents.clear();
+    m_children.clear();
+    read(reply);
+    // Only now, since a line may put a category of an earlier one elsewhere.
+    for (auto category = m_parents.cbegin(); category != m_parents.cend(); ++category)
+        m_children[category.value()].append(category.key());
+}
+
+void CKavlorCategoryStore::read(const QString &reply)
+{
     const QStringList lines = reply.split(QLatin1Char('\n'));
     for (const QString &line : lines.mid(1)) {
         if (!take(line))

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QMap>
 #include <QString>
@@ -41,9 +42,11 @@ private:
     CKavlorCategoryStore() = default;
 
     void fill(const QString &reply);
+    void read(const QString &reply);
     bool take(const QString &line);
     QString path(int category) const;
 
     QMap<int, QString> m_names;
-    QMap<int, int> m_parents; // 0 = top level
+    QMap<int, int> m_parents;          // 0 = top level
+    QHash<int, QList<int>> m_children; // what m_parents says, the other way round
 };

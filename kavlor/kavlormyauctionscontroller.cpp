@@ -20,6 +20,7 @@
 
 #include <QHeaderView>
 #include <QShortcut>
+#include <QSignalBlocker>
 
 CKavlorMyAuctionsController::CKavlorMyAuctionsController(CKavlorUser *user, QWidget *parent)
     : QFrame(parent)
@@ -114,7 +115,12 @@ void CKavlorMyAuctionsController::myAuctions(const QString &aData)
     table->setModel(m_model);
     table->setAlternatingRowColors(true);
     table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    fitCells();
+    {
+        // It is laid out when it is shown. Had it heard of the widths before, it would paint itself
+        // a second time, and ask for all its thumbnails again.
+        const QSignalBlocker blocker(table->horizontalHeader());
+        fitCells();
+    }
     table->show();
     table->setFocus();
     // Where the keys begin; the cell tells a screen reader all of the row.

@@ -23,6 +23,13 @@ QString stripKey(uint auctionId)
     return QStringLiteral("combined::") + QString::number(auctionId);
 }
 
+// What follows the first line of @p text; null when that is its last.
+QStringView afterLine(QStringView text)
+{
+    const qsizetype end = text.indexOf(QLatin1Char('\n'));
+    return end < 0 ? QStringView() : text.sliced(end + 1);
+}
+
 QPixmap cacheThumbnail(uint auctionId, const QPixmap &thumbnail, qreal pixelRatio)
 {
     // Fast at its own size only: steps in a picture that is to fill several pixels for one show.
@@ -58,14 +65,16 @@ bool CKavlorMyAuctionsModel::load(const QString &reply)
     m_ids.clear();
     m_auctions.clear();
     m_thumbnails.clear();
-    const QList<QStringView> lines = QStringView(reply).split(QLatin1Char('\n'));
+    m_reply = reply;
+    const qsizetype lines = m_reply.count(QLatin1Char('\n'));
+    m_ids.reserve(lines);
+    m_auctions.reserve(lines);
     // The first line is a header.
-    for (qsizetype i = 1; i < lines.size(); ++i) {
-        if (!appendLine(lines.at(i)))
-            break;
-    }
+    QStringView rest = afterLine(m_reply);
+    while (!rest.isNull() && appendLine(rest.left(rest.indexOf(QLatin1Char('\n')))))
+        rest = afterLine(rest);
     endResetModel();
-    return lines.size() >= 2;
+    return lines > 0;
 }
 
 bool CKavlorMyAuctionsModel::appendLine(QStringView line)
@@ -83,8 +92,6 @@ bool CKavlorMyAuctionsModel::appendLine(QStringView line)
     auction.reservePrice = items.at(3).toInt();
     auction.buyItNowPrice = items.at(4).toInt();
     auction.item5 = items.at(5).toInt();
-    auction.endDate =
-        QDateTime::fromString(items.at(6).toString(), QStringLiteral("MM/dd/yyyy hh:mm"));
     auction.finished = items.at(7) == QLatin1String("1");
     auction.views = items.at(8).toInt();
     auction.bids = items.at(9).toInt();
@@ -97,7 +104,7 @@ bool CKavlorMyAuctionsModel::appendLine(QStringView line)
     }
 
     m_ids.insert(static_cast<int>(m_ids.size()), id);
-    m_auctions.insert(id, auction);
+    m_auctions.insert(id, {auction, items.at(6)});
     return true;
 }
 
@@ -124,8 +131,8 @@ void CKavlorMyAuctionsModel::setPrices(uint auctionId, int reservePrice, int buy
     const auto auction = m_auctions.find(auctionId);
     if (auction == m_auctions.end())
         return;
-    auction->reservePrice = reservePrice;
-    auction->buyItNowPrice = buyItNowPrice;
+    auction->row.reservePrice = reservePrice;
+    auction->row.buyItNowPrice = buyItNowPrice;
 }
 
 uint CKavlorMyAuctionsModel::auctionId(int row) const
@@ -135,7 +142,10 @@ uint CKavlorMyAuctionsModel::auctionId(int row) const
 
 CAuctionRow CKavlorMyAuctionsModel::auction(uint auctionId) const
 {
-    CAuctionRow auction = m_auctions.value(auctionId);
+    const Auction kept = m_auctions.value(auctionId);
+    CAuctionRow auction = kept.row;
+    auction.endDate =
+        QDateTime::fromString(kept.endDate.toString(), QStringLiteral("MM/dd/yyyy hh:mm"));
     const QPixmap *thumbnail = m_thumbnails.object(auctionId);
     auction.noThumbnail = !thumbnail;
     if (thumbnail)
@@ -147,7 +157,7 @@ QString CKavlorMyAuctionsModel::cellText(const QModelIndex &index) const
 {
     if (!index.isValid())
         return {};
-    const CAuctionRow row = auction(auctionId(index.row()));
+    const CAuctionRow row = m_auctions.value(auctionId(index.row())).row;
     if (index.column() == Thumbnail)
         return tr("Picture of %1").arg(row.title);
     const QString reserve =
@@ -221,7 +231,7 @@ QPixmap CKavlorMyAuctionsModel::strip(uint auctionId) const
     QPixmap picture;
     if (!QPixmapCache::find(stripKey(auctionId), &picture)
         || picture.devicePixelRatio() != m_pixelRatio) {
-        picture = paintAuctionStrip(*m_auctions.constFind(auctionId), m_pixelRatio);
+        picture = paintAuctionStrip(m_auctions.constFind(auctionId)->row, m_pixelRatio);
         QPixmapCache::insert(stripKey(auctionId), picture);
     }
     return picture;

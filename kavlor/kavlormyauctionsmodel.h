@@ -8,6 +8,8 @@
 #include <QCache>
 #include <QHash>
 #include <QPixmap>
+#include <QString>
+#include <QStringView>
 
 /**
  * The member's auctions, one a row: a thumbnail and a painted strip of information.
@@ -65,13 +67,21 @@ signals:
     void requestThumb(uint aAuction) const;
 
 private:
+    // What is dear to read of a line is read where it is wanted.
+    struct Auction
+    {
+        CAuctionRow row;     // without its thumbnail and end date
+        QStringView endDate; // in m_reply
+    };
+
     bool appendLine(QStringView line);
     void keepThumbnail(uint auctionId, const QPixmap &thumbnail);
     QVariant thumbnail(uint auctionId) const;
     QPixmap strip(uint auctionId) const;
 
-    QHash<int, uint> m_ids;              // by row
-    QHash<uint, CAuctionRow> m_auctions; // without their thumbnails
-    QCache<uint, QPixmap> m_thumbnails;  // as they came, those last shown; costs are bytes
+    QString m_reply;
+    QHash<int, uint> m_ids; // by row
+    QHash<uint, Auction> m_auctions;
+    QCache<uint, QPixmap> m_thumbnails; // as they came, those last shown; costs are bytes
     qreal m_pixelRatio = 1;
 };

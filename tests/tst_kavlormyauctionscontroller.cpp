@@ -130,6 +130,7 @@ private slots:
     void fits();
     void layingOutReadsNoCell();
     void tenThousandRowsPaintAndAskForFewOnly();
+    void aListAsksForEachThumbnailOnceWhenItIsShown();
     void anArrivingThumbnailPaintsNoStripAgain();
     void scrollingByKeysWheelAndBar();
     void slimBarIsThereOnlyWhenNeeded();
@@ -492,6 +493,20 @@ void tst_KavlorMyAuctionsController::tenThousandRowsPaintAndAskForFewOnly()
     QTRY_VERIFY(paintedStrips(auctions).contains(auctions));
     QVERIFY(paintedStrips(auctions).size() < 40);
     QVERIFY(asked.size() < 40);
+    QVERIFY2(m_service->isDone(), m_service->report());
+}
+
+void tst_KavlorMyAuctionsController::aListAsksForEachThumbnailOnceWhenItIsShown()
+{
+    m_mainView->resize(800, 360);
+    m_service->expect("GetMyAuctions", auctionReply(200).toLatin1());
+    m_service->expect(thumbnailStep(1, true));
+    make();
+    QSignalSpy asked(model(), &CKavlorMyAuctionsModel::requestThumb);
+    m_frame->show();
+    QTRY_VERIFY(m_service->isHolding());
+    settle(); // the table may still have a timer of its own
+    QCOMPARE(asked.size(), 4);
     QVERIFY2(m_service->isDone(), m_service->report());
 }
 

@@ -331,8 +331,14 @@ void tst_KavlorMyAuctionsModel::aDateThatDoesNotParseIsInvalid()
                                          "1,Title,1,2,3,4,24/12/2026 18:30,0,8,9,10\n"
                                          "2,Title,1,2,3,4,,0,8,9,10\n"
                                          "3,Title,1,2,3,4,2026-12-24 18:30,0,8,9,10\n"
-                                         "4,Title,1,2,3,4,12/24/2026 18:30,0,8,9,10\n")));
-    for (const uint id : {1u, 2u, 3u})
+                                         "4,Title,1,2,3,4,12/24/2026 18:30,0,8,9,10\n"
+                                         "5,Title,1,2,3,4,02/29/2026 18:30,0,8,9,10\n"
+                                         "6,Title,1,2,3,4,12/24/2026 24:00,0,8,9,10\n"
+                                         "7,Title,1,2,3,4,12/24/2026 18:30:00,0,8,9,10\n"
+                                         "8,Title,1,2,3,4,12/24/26 18:30,0,8,9,10\n"
+                                         "9,Title,1,2,3,4,02/29/2028 00:00,0,8,9,10\n")));
+    QCOMPARE(m_model->auction(9).endDate, QDateTime(QDate(2028, 2, 29), QTime(0, 0)));
+    for (const uint id : {1u, 2u, 3u, 5u, 6u, 7u, 8u})
         QVERIFY(!m_model->auction(id).endDate.isValid());
     QVERIFY(m_model->auction(4).endDate.isValid());
     QCOMPARE(m_model->auction(1).bids, 9);
