@@ -605,7 +605,8 @@ void tst_Keys::focusOnTheBarIsSeen()
     QVERIFY2(toHome(window), window.service.report());
     QVERIFY(Keyboard::tabTo(name("cancelNavigationButton")));
     const QWidget *button = QApplication::focusWidget();
-    const QRect place(button->mapTo(window.root(), QPoint()), button->size());
+    const qreal ratio = button->devicePixelRatioF();
+    const QRect place(button->mapTo(window.root(), QPoint()) * ratio, button->size() * ratio);
     const QImage shown = window.root()->grab().toImage();
     const int middle = place.center().y();
     const QColor bar = shown.pixelColor(place.left() - 3, middle);

@@ -16,7 +16,7 @@ namespace {
 constexpr int mostStops = 20;
 constexpr int mostSteps = 5; // of the tab key within a stop
 
-// What the ring goes around.
+// What the ring goes around, in a picture of its window.
 QRect placeOfFocus(const QWidget *control)
 {
     QRect place = control->rect();
@@ -27,7 +27,8 @@ QRect placeOfFocus(const QWidget *control)
     } else if (const auto *tabs = qobject_cast<const QTabBar *>(control)) {
         place = tabs->tabRect(tabs->currentIndex());
     }
-    return {area->mapTo(control->window(), place.topLeft()), place.size()};
+    const qreal ratio = control->devicePixelRatioF();
+    return {area->mapTo(control->window(), place.topLeft()) * ratio, place.size() * ratio};
 }
 
 // How many pixels in that place are of another colour with the focus than without it.
