@@ -40,6 +40,9 @@ ClientDriver::ClientDriver(QObject *parent)
     // Abstract: a path inside the temporary folder may be too long for a socket.
     m_server.setSocketOptions(QLocalServer::AbstractNamespaceOption);
     m_process.setProcessChannelMode(QProcess::MergedChannels);
+    // English, whatever the desktop speaks to whoever runs the tests or the tour.
+    setEnvironment(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    setEnvironment(QStringLiteral("LANGUAGE"), QString());
 }
 
 ClientDriver::~ClientDriver()

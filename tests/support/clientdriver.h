@@ -27,7 +27,7 @@ public:
     explicit ClientDriver(QObject *parent = nullptr);
     ~ClientDriver() override;
 
-    /** A variable for the program's environment, to be set before start(). */
+    /** A variable for the program's environment, to be set before start(); it speaks English. */
     void setEnvironment(const QString &name, const QString &value);
     /** The home folder of the program; unless set, a temporary one that outlives a restart. */
     void setHome(const QString &folder);
