@@ -196,6 +196,8 @@ void FrameCreateAccount::Submit()
     m_ui->errorLabelText->clear();
     m_ui->tabWidget->setToolTip(patience);
     m_ui->submitButton->setToolTip(patience);
+    m_ui->errorLabelText->setAccessibleName(patience); // while it shows nothing
+    announce(m_ui->errorLabelText);
     setProgressRunning(true);
     // Also against a second click, and against changes of the record that is under way.
     setFormEnabled(false);
@@ -259,6 +261,7 @@ void FrameCreateAccount::accountAnswered(const QString &response, const QString 
     setProgressRunning(false);
     setFormEnabled(true);
     m_ui->submitButton->setToolTip(QString());
+    m_ui->errorLabelText->setAccessibleName(QString());
     m_ui->submitButton->setFocus();
     if (CHttpTolvex::succeeded(response, error))
         accountCreated(response);

@@ -53,6 +53,7 @@ private slots:
     void refusedLoginGoesOnAtThePassword_data();
     void refusedLoginGoesOnAtThePassword();
     void focusComesBackAfterARefusedPrice();
+    void refusedAccountIsSaidAndCanBeSentAgain();
     void focusStaysOnTheSummaryWhileItIsSent();
     void waitingScreensKeepAFocus();
 
@@ -556,6 +557,31 @@ void tst_Keys::focusComesBackAfterARefusedPrice()
     QTRY_COMPARE(window.dialogs.boxes().size(), 1);
     QVERIFY(isInFront(window));
     QTRY_COMPARE(Keyboard::focus(), name("done"));
+}
+
+void tst_Keys::refusedAccountIsSaidAndCanBeSentAgain()
+{
+    RootWindow window;
+    QVERIFY2(toCreateAccount(window), window.service.report());
+    for (const char *text : {"member1", "secret1", "m@e.org", "m@e.org"}) {
+        Keyboard::type(QLatin1String(text));
+        Keyboard::press(Qt::Key_Tab);
+    }
+    QVERIFY(Keyboard::tabTo(name("qt_tabwidget_tabbar")));
+    Keyboard::press(Qt::Key_Right);
+    QVERIFY(comes(window, "checkTerms"));
+    QVERIFY(pressAt("checkTerms", Qt::Key_Space));
+    const ScreenReader reader;
+    window.service.expectHeld("CreateAccount", "ERROR: taken");
+    QVERIFY(pressAt("submitButton", Qt::Key_Return));
+    QTRY_VERIFY(window.service.isHolding());
+    const QString wait = QStringLiteral("Please wait, while your account is created on site.");
+    QVERIFY2(reader.alerts().contains(wait), qPrintable(reader.alerts().join(QLatin1Char('|'))));
+    QVERIFY(window.service.release());
+    QTRY_COMPARE(window.dialogs.boxes().size(), 1);
+    QVERIFY(isInFront(window));
+    QTRY_COMPARE(Keyboard::focus(), name("submitButton"));
+    QCOMPARE(window.find("errorLabelText")->accessibleName(), QString());
 }
 
 void tst_Keys::focusStaysOnTheSummaryWhileItIsSent()
