@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QTcpServer>
+
+class QTcpSocket;
+
+/**
+ * A service on loopback that answers every operation well, until a test spoils one.
+ *
+ * While it lives, serviceHost() names it. What may go wrong is listed by faults(): each is made of
+ * the good reply to the operation, so that every operation can meet every fault.
+ */
+class MoodyService : public QObject
+{
+    Q_OBJECT
+
+public:
+    /** What becomes of the connection behind the bytes. */
+    enum Ending { KeepOpen, Close, Reset };
+
+    struct Fault
+    {
+        QByteArray name;
+        QByteArray (*bytes)(const QByteArray &body, const QByteArray &type) = nullptr;
+        Ending ending = Close;
+        bool endsByItself = true; ///< otherwise only the client's own time-out ends it
+        bool drips = false;       ///< a byte now and then
+        bool isEarly = false;     ///< before the request has come whole
+    };
+
+    explicit MoodyService(QObject *parent = nullptr);
+    ~MoodyService() override;
+
+    static const QList<Fault> &faults();
+    /** The operations that it knows, in the order of their names. */
+    static QList<QByteArray> operations();
+
+    /** The next request for @p operation meets @p fault. */
+    void spoil(const QByteArray &operation, const Fault &fault);
+    /** True until the request came that was to be spoilt. */
+    bool isSpoilt() const;
+    /** From now on nobody listens, until listenAgain(). */
+    void stopListening();
+    void listenAgain();
+    /** Tears down every open connection. */
+    void dropConnections();
+
+    /** How many requests for @p operation have begun to arrive. */
+    int count(const QByteArray &operation) const;
+
+signals:
+    /** The header of a request for @p operation has come. */
+    void asked(const QByteArray &operation);
+
+private:
+    struct Request
+    {
+        QByteArray raw;
+        QByteArray operation;
+        bool answered = false;
+    };
+
+    void accept();
+    void read(QTcpSocket *socket);
+    void answer(QTcpSocket *socket, const QByteArray &operation, const Fault *fault);
+    void drip(QTcpSocket *socket, const QByteArray &bytes);
+    static void end(QTcpSocket *socket, Ending ending);
+
+    QTcpServer m_server;
+    quint16 m_port = 0;
+    QHash<QTcpSocket *, Request> m_requests;
+    QHash<QByteArray, int> m_counts;
+    QByteArray m_spoiltOperation;
+    Fault m_fault;
+};
