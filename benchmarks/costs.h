@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHash>
 #include <QStringList>
 
 #include <functional>
@@ -30,5 +31,7 @@ ProgramCost costOfProgram(const QStringList &command);
 
 /** The memory that the process @p id has now (PSS), shared parts divided; in KiB. */
 qint64 memoryOf(qint64 process);
-/** How often threads of the process @p id have gone to sleep, and so will have been woken. */
-qint64 sleepsOf(qint64 process);
+/** How often each thread of the process @p id has gone to sleep, and so will have been woken. */
+QHash<QString, qint64> sleepsOf(qint64 process);
+/** The sleeps from @p before to @p after; the end of a thread counts as one. */
+qint64 sleepsBetween(const QHash<QString, qint64> &before, const QHash<QString, qint64> &after);

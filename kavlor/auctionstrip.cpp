@@ -11,6 +11,8 @@
 #include <QTextLayout>
 #include <QtMath>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int titleLength = 60;
@@ -23,7 +25,27 @@ QString shownTitle(const QString &title)
     return !shown.isEmpty() && shown.back().isHighSurrogate() ? shown.chopped(1) : shown;
 }
 
-// How far the text would stand out above the picture, in pixels.
+// From the first to the last of the letters, digits and signs without accents.
+constexpr char16_t firstPlain = u' ';
+constexpr char16_t lastPlain = u'~';
+
+bool isPlain(const QString &text)
+{
+    return std::all_of(text.cbegin(), text.cend(), [](QChar character) {
+        return character >= QChar(firstPlain) && character <= QChar(lastPlain);
+    });
+}
+
+QString everythingPlain()
+{
+    QString text;
+    for (char16_t character = firstPlain; character <= lastPlain; ++character)
+        text.append(QChar(character));
+    return text;
+}
+
+// How far the text would stand out above the picture, in pixels. The outlines that this takes cost
+// twice as much as the painting.
 int overhang(const QFont &font, const QString &text)
 {
     QTextLayout layout(text, font);
@@ -40,13 +62,19 @@ int overhang(const QFont &font, const QString &text)
     return qMax(0, 1 - qFloor(outlines.boundingRect().top()));
 }
 
-void paintTitle(QPainter *painter, const QString &title)
+int titleOverhang(const QString &title)
 {
     const QFont &font = listStyle().titleFont;
-    painter->setFont(font);
+    static const bool plainFits = overhang(font, everythingPlain()) == 0;
+    return plainFits && isPlain(title) ? 0 : overhang(font, title);
+}
+
+void paintTitle(QPainter *painter, const QString &title)
+{
+    painter->setFont(listStyle().titleFont);
     painter->setPen(listStyle().titleColor);
     // A high accent would be cut off where the picture ends.
-    const QRect box = titleBox.translated(0, overhang(font, title));
+    const QRect box = titleBox.translated(0, titleOverhang(title));
     painter->drawText(box, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine | Qt::TextDontClip,
                       title);
 }
