@@ -98,8 +98,10 @@ QString OfflineDocument::withShortLines(const QString &text)
         if (end < 0)
             end = text.size();
         while (end - start > longestLine) {
-            const qsizetype blank = text.lastIndexOf(QLatin1Char(' '), start + longestLine);
-            const qsizetype next = blank > start ? blank + 1 : start + longestLine;
+            // Not in the whole text before: without blanks, that would take for ever.
+            const QStringView line = QStringView(text).mid(start, longestLine + 1);
+            const qsizetype blank = line.lastIndexOf(QLatin1Char(' '));
+            const qsizetype next = start + (blank > 0 ? blank + 1 : longestLine);
             lines += QStringView(text).mid(start, next - start);
             lines += QLatin1Char('\n');
             start = next;

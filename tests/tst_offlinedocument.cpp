@@ -42,6 +42,7 @@ private slots:
     void linksAreNotFollowed();
     void toolTipsAreNoMarkup();
     void shortLinesKeepTheText();
+    void longTextWithoutBlanksIsBrokenInTime();
 };
 
 namespace {
@@ -276,6 +277,16 @@ void tst_OfflineDocument::shortLinesKeepTheText()
     QVERIFY(lines.startsWith(QLatin1String("a short line\n\nx")));
     QCOMPARE(OfflineDocument::withShortLines(QString()), QString());
     QCOMPARE(OfflineDocument::withShortLines(QStringLiteral("a\nb")), QStringLiteral("a\nb"));
+}
+
+void tst_OfflineDocument::longTextWithoutBlanksIsBrokenInTime()
+{
+    constexpr qsizetype length = 32L * 1024 * 1024;
+    QElapsedTimer timer;
+    timer.start();
+    const QString lines = OfflineDocument::withShortLines(QString(length, QLatin1Char('x')));
+    QVERIFY2(!timer.hasExpired(patience), QByteArray::number(timer.elapsed()).constData());
+    QVERIFY(lines.size() > length);
 }
 
 KAVLOR_TEST_MAIN(tst_OfflineDocument)
