@@ -11,6 +11,7 @@ namespace {
 constexpr QSize thumbnailSize(120, 90);
 constexpr int columns = 2;
 constexpr qsizetype itemsPerLine = 11;
+constexpr QLatin1Char separator(',');
 constexpr qsizetype maxThumbnailBytes = 24L * 1024 * 1024;
 
 QString thumbnailKey(uint auctionId)
@@ -63,12 +64,13 @@ bool CKavlorMyAuctionsModel::load(const QString &reply)
 {
     beginResetModel();
     m_ids.clear();
-    m_auctions.clear();
+    m_lines.clear();
+    m_newPrices.clear();
     m_thumbnails.clear();
     m_reply = reply;
     const qsizetype lines = m_reply.count(QLatin1Char('\n'));
     m_ids.reserve(lines);
-    m_auctions.reserve(lines);
+    m_lines.reserve(lines);
     // The first line is a header.
     QStringView rest = afterLine(m_reply);
     while (!rest.isNull() && appendLine(rest.left(rest.indexOf(QLatin1Char('\n')))))
@@ -79,23 +81,12 @@ bool CKavlorMyAuctionsModel::load(const QString &reply)
 
 bool CKavlorMyAuctionsModel::appendLine(QStringView line)
 {
-    const QList<QStringView> items = line.split(QLatin1Char(','));
-    if (items.size() < itemsPerLine)
+    if (line.count(separator) + 1 < itemsPerLine)
         return false;
-    const uint id = items.at(0).toUInt();
+    const uint id = line.left(line.indexOf(separator)).toUInt();
     if (id == 0)
         return false;
 
-    CAuctionRow auction;
-    auction.title = items.at(1).toString();
-    auction.item2 = items.at(2).toInt();
-    auction.reservePrice = items.at(3).toInt();
-    auction.buyItNowPrice = items.at(4).toInt();
-    auction.item5 = items.at(5).toInt();
-    auction.finished = items.at(7) == QLatin1String("1");
-    auction.views = items.at(8).toInt();
-    auction.bids = items.at(9).toInt();
-    auction.item10 = items.at(10).toInt();
     // A thumbnail fetched for an earlier list is taken over: the cache may drop it at any time.
     QPixmap thumbnail;
     if (QPixmapCache::find(thumbnailKey(id), &thumbnail)) {
@@ -104,13 +95,13 @@ bool CKavlorMyAuctionsModel::appendLine(QStringView line)
     }
 
     m_ids.insert(static_cast<int>(m_ids.size()), id);
-    m_auctions.insert(id, {auction, items.at(6)});
+    m_lines.insert(id, line);
     return true;
 }
 
 void CKavlorMyAuctionsModel::setThumbnail(uint auctionId, const QPixmap &thumbnail)
 {
-    if (!m_auctions.contains(auctionId))
+    if (!m_lines.contains(auctionId))
         return;
     keepThumbnail(auctionId, thumbnail);
     if (thumbnail.isNull())
@@ -128,11 +119,8 @@ void CKavlorMyAuctionsModel::keepThumbnail(uint auctionId, const QPixmap &thumbn
 
 void CKavlorMyAuctionsModel::setPrices(uint auctionId, int reservePrice, int buyItNowPrice)
 {
-    const auto auction = m_auctions.find(auctionId);
-    if (auction == m_auctions.end())
-        return;
-    auction->row.reservePrice = reservePrice;
-    auction->row.buyItNowPrice = buyItNowPrice;
+    if (m_lines.contains(auctionId))
+        m_newPrices.insert(auctionId, {reservePrice, buyItNowPrice});
 }
 
 uint CKavlorMyAuctionsModel::auctionId(int row) const
@@ -142,10 +130,9 @@ uint CKavlorMyAuctionsModel::auctionId(int row) const
 
 CAuctionRow CKavlorMyAuctionsModel::auction(uint auctionId) const
 {
-    const Auction kept = m_auctions.value(auctionId);
-    CAuctionRow auction = kept.row;
-    auction.endDate =
-        QDateTime::fromString(kept.endDate.toString(), QStringLiteral("MM/dd/yyyy hh:mm"));
+    CAuctionRow auction = shownParts(auctionId);
+    const QStringView endDate = m_lines.value(auctionId).split(separator).value(6);
+    auction.endDate = QDateTime::fromString(endDate.toString(), QStringLiteral("MM/dd/yyyy hh:mm"));
     const QPixmap *thumbnail = m_thumbnails.object(auctionId);
     auction.noThumbnail = !thumbnail;
     if (thumbnail)
@@ -153,11 +140,33 @@ CAuctionRow CKavlorMyAuctionsModel::auction(uint auctionId) const
     return auction;
 }
 
+// All but the thumbnail and the end date, which takes as long as everything else together.
+CAuctionRow CKavlorMyAuctionsModel::shownParts(uint auctionId) const
+{
+    const QList<QStringView> items = m_lines.value(auctionId).split(separator);
+    CAuctionRow auction;
+    auction.title = items.value(1).toString();
+    auction.item2 = items.value(2).toInt();
+    auction.reservePrice = items.value(3).toInt();
+    auction.buyItNowPrice = items.value(4).toInt();
+    auction.item5 = items.value(5).toInt();
+    auction.finished = items.value(7) == QLatin1String("1");
+    auction.views = items.value(8).toInt();
+    auction.bids = items.value(9).toInt();
+    auction.item10 = items.value(10).toInt();
+    const auto changed = m_newPrices.constFind(auctionId);
+    if (changed != m_newPrices.constEnd()) {
+        auction.reservePrice = changed->reserve;
+        auction.buyItNowPrice = changed->buyItNow;
+    }
+    return auction;
+}
+
 QString CKavlorMyAuctionsModel::cellText(const QModelIndex &index) const
 {
     if (!index.isValid())
         return {};
-    const CAuctionRow row = m_auctions.value(auctionId(index.row())).row;
+    const CAuctionRow row = shownParts(auctionId(index.row()));
     if (index.column() == Thumbnail)
         return tr("Picture of %1").arg(row.title);
     const QString reserve =
@@ -231,7 +240,7 @@ QPixmap CKavlorMyAuctionsModel::strip(uint auctionId) const
     QPixmap picture;
     if (!QPixmapCache::find(stripKey(auctionId), &picture)
         || picture.devicePixelRatio() != m_pixelRatio) {
-        picture = paintAuctionStrip(m_auctions.constFind(auctionId)->row, m_pixelRatio);
+        picture = paintAuctionStrip(shownParts(auctionId), m_pixelRatio);
         QPixmapCache::insert(stripKey(auctionId), picture);
     }
     return picture;

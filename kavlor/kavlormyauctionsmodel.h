@@ -67,21 +67,22 @@ signals:
     void requestThumb(uint aAuction) const;
 
 private:
-    // What is dear to read of a line is read where it is wanted.
-    struct Auction
+    struct Prices
     {
-        CAuctionRow row;     // without its thumbnail and end date
-        QStringView endDate; // in m_reply
+        int reserve = 0;
+        int buyItNow = 0;
     };
 
     bool appendLine(QStringView line);
+    CAuctionRow shownParts(uint auctionId) const;
     void keepThumbnail(uint auctionId, const QPixmap &thumbnail);
     QVariant thumbnail(uint auctionId) const;
     QPixmap strip(uint auctionId) const;
 
     QString m_reply;
-    QHash<int, uint> m_ids; // by row
-    QHash<uint, Auction> m_auctions;
+    QHash<int, uint> m_ids;             // by row
+    QHash<uint, QStringView> m_lines;   // of m_reply; most are never read
+    QHash<uint, Prices> m_newPrices;    // of the auctions whose prices were changed since
     QCache<uint, QPixmap> m_thumbnails; // as they came, those last shown; costs are bytes
     qreal m_pixelRatio = 1;
 };
