@@ -20,12 +20,14 @@ constexpr qint64 maxReplyBytes = 64LL * 1024 * 1024;
 // What the image takes once it is unpacked.
 qint64 unpackedBytes(const QImageReader &reader)
 {
-    const QImage::Format format = reader.imageFormat();
-    // A format may not tell its depth before it is read, and fewer bits may become 32 a pixel.
-    const int depth = format == QImage::Format_Invalid
-        ? 32
-        : qMax<int>(32, QImage::toPixelFormat(format).bitsPerPixel());
     const QSize size = reader.size();
+    if (!size.isValid())
+        return 0;
+    // A format may not tell its depth before it is read, or anything at all, as that of a JPEG
+    // whose header is broken; and fewer bits may become 32 a pixel.
+    const QImage::Format format = reader.imageFormat();
+    const bool isKnown = format > QImage::Format_Invalid && format < QImage::NImageFormats;
+    const int depth = isKnown ? qMax<int>(32, QImage::toPixelFormat(format).bitsPerPixel()) : 32;
     return static_cast<qint64>(size.width()) * size.height() * depth / 8;
 }
 

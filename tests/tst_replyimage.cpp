@@ -6,6 +6,8 @@
 
 #include <QFile>
 #include <QImage>
+#include <QLoggingCategory>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -18,6 +20,7 @@ private slots:
     void fitsItsBounds();
     void whatIsNoPictureIsNull_data();
     void whatIsNoPictureIsNull();
+    void aJpegWithABrokenHeaderIsNull();
 
 private:
     QTemporaryDir m_folder;
@@ -64,6 +67,21 @@ void tst_ReplyImage::whatIsNoPictureIsNull()
     QVERIFY(readReplyImage(path).isNull());
     QVERIFY(file.remove());
     QVERIFY(readReplyImage(path).isNull());
+}
+
+// The toolkit tells a format of it that there is none of.
+void tst_ReplyImage::aJpegWithABrokenHeaderIsNull()
+{
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.gui.imageio*=false"));
+    const auto back = qScopeGuard([] { QLoggingCategory::setFilterRules(QString()); });
+    QFile file(m_folder.filePath(QStringLiteral("reply")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray::fromHex("ffd8ffdb004300" + QByteArray("10").repeated(64)
+                                   + "ffc0000b080008000801011100ffc4001400010000000000000000000000"
+                                     "0000000000ffc4100100000000000000000000000000000000ffda000801"
+                                     "0100003f003fffd9"));
+    file.close();
+    QVERIFY(readReplyImage(file.fileName()).isNull());
 }
 
 KAVLOR_TEST_MAIN(tst_ReplyImage)
