@@ -43,7 +43,9 @@ void Workers::work()
         if (m_tasks.empty()) {
             m_changed.wait(lock);
         } else if (!m_isEnding && m_tasks.begin()->first > Clock::now()) {
-            m_changed.wait_until(lock, m_tasks.begin()->first);
+            // A copy: another thread may take the task meanwhile, and the time with it.
+            const Clock::time_point next = m_tasks.begin()->first;
+            m_changed.wait_until(lock, next);
         } else {
             const Task task = std::move(m_tasks.begin()->second);
             m_tasks.erase(m_tasks.begin());
