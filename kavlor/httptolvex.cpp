@@ -22,6 +22,22 @@
 
 #include <optional>
 
+namespace {
+
+// In pieces: read at once, a long text is copied anew with every few kilobytes that are added to
+// it.
+QString textOf(QFile &file)
+{
+    constexpr qint64 piece = 1024LL * 1024; // letters
+    QTextStream stream(&file);
+    QString text;
+    while (!stream.atEnd())
+        text += stream.read(piece);
+    return text;
+}
+
+} // namespace
+
 CHttpTolvex::CHttpTolvex(QObject *parent)
     : QObject(parent)
     , m_baseUrl(QStringLiteral("http://%1/tolvex/").arg(serviceHost()))
@@ -180,7 +196,7 @@ void CHttpTolvex::done(bool error)
     if (!readable)
         m_errorText = QStringLiteral("I/O issue");
     const bool isText = m_textReply || m_contentType == QLatin1String("text/plain") || !readable;
-    const QString response = isText && readable ? QTextStream(&file).readAll() : QString();
+    const QString response = isText && readable ? textOf(file) : QString();
     file.close();
     const QImage image = isText ? QImage() : readReplyImage(fileName);
     dropTempFile();
