@@ -43,7 +43,7 @@ public:
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     application();
-    static Server server;
+    static Server &server = *new Server; // as the application, never deleted
     server.reply = bytesOf(data, size);
     server.connections = 0;
 

@@ -33,13 +33,16 @@ inline void mustHold(bool condition)
         std::abort();
 }
 
-/** The application object, made once; nothing of it is taken from the fuzzer's own options. */
+/**
+ * The application object, made once; nothing of it is taken from the fuzzer's own options. It is
+ * never deleted: the toolkit's own statics may be gone by then.
+ */
 inline QApplication &application()
 {
     static int count = 1;
     static char name[] = "fuzz";
     static char *arguments[] = {name, nullptr};
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication app(count, arguments);
-    return app;
+    static auto *app = new QApplication(count, arguments);
+    return *app;
 }
