@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QImage>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 
 /** What each component puts where, under a prefix that is given only when it is installed. */
@@ -62,6 +63,13 @@ void tst_Installation::theClientStartsFromWhereItWasInstalled()
     client.setProgram(m_prefix.filePath(QStringLiteral("bin/kavlor")));
     QVERIFY2(client.start(), qPrintable(client.error()));
     QVERIFY2(client.waitFor(QStringLiteral("splashProgress")), qPrintable(client.error()));
+
+    // A picture of it goes where whoever asks for it is, not where the client is.
+    const QString folder = QDir::currentPath();
+    const auto back = qScopeGuard([folder] { QDir::setCurrent(folder); });
+    QVERIFY(QDir::setCurrent(m_prefix.path()));
+    QVERIFY2(client.picture(QStringLiteral("start.png")), qPrintable(client.error()));
+    QVERIFY(QFile::exists(m_prefix.filePath(QStringLiteral("start.png"))));
 }
 
 void tst_Installation::theBusFindsTheBridgeUnderItsPrefix()

@@ -311,7 +311,8 @@ bool ClientDriver::isDumpable()
 
 bool ClientDriver::picture(const QString &path)
 {
-    return isOk(ask(command("picture", QString(), path)));
+    // The client's own folder is another.
+    return isOk(ask(command("picture", QString(), QFileInfo(path).absoluteFilePath())));
 }
 
 QString ClientDriver::error() const
