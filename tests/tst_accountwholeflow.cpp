@@ -23,7 +23,6 @@ private slots:
     void anAccountIsMadeUsedAndChanged();
 
 private:
-    bool createAccount();
     bool changeAccount();
     QVariant stored(const char *column) const;
     /** Which alerts the service sends: on a bid, an end, a view, a question. */
@@ -76,17 +75,6 @@ bool tst_AccountWholeFlow::databaseHolds(const QByteArray &bytes) const
     return false;
 }
 
-bool tst_AccountWholeFlow::createAccount()
-{
-    ClientDriver &client = *m_system.client;
-    return client.click(name("createAccountButton")) && client.type(name("lineUsername"), member)
-        && client.type(name("linePassword"), oldPassword)
-        && client.type(name("lineEmailaddress"), QStringLiteral("zoe@example.org"))
-        && client.type(name("lineAgain"), QStringLiteral("zoe@example.org"))
-        && client.clickTab(name("tabWidget"), 1) && client.click(name("checkTerms"))
-        && client.click(name("submitButton")) && client.waitFor(name("buttonUpload"));
-}
-
 bool tst_AccountWholeFlow::changeAccount()
 {
     ClientDriver &client = *m_system.client;
@@ -103,7 +91,7 @@ void tst_AccountWholeFlow::anAccountIsMadeUsedAndChanged()
 {
     ClientDriver &client = *m_system.client;
     DO(client.start());
-    DO(createAccount());
+    DO(m_system.createAccount(member, oldPassword, QStringLiteral("zoe@example.org")));
     DO(m_system.prepareUpload(m_system.makePhoto(Qt::darkCyan), QStringLiteral("A first photo")));
     DO(client.click(name("createAuctionButton")));
     DO(client.click(name("buttonOk")));

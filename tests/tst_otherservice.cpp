@@ -25,7 +25,6 @@ private slots:
     void aMembersWholeWayWorksWithIt();
 
 private:
-    bool createAccount();
     bool changeAccount();
 
     QProcess m_service;
@@ -73,17 +72,6 @@ void tst_OtherService::cleanupTestCase()
     m_service.waitForFinished(patience);
 }
 
-bool tst_OtherService::createAccount()
-{
-    ClientDriver &client = *m_system.client;
-    return client.click(name("createAccountButton")) && client.type(name("lineUsername"), member)
-        && client.type(name("linePassword"), oldPassword)
-        && client.type(name("lineEmailaddress"), QStringLiteral("zoe@example.org"))
-        && client.type(name("lineAgain"), QStringLiteral("zoe@example.org"))
-        && client.clickTab(name("tabWidget"), 1) && client.click(name("checkTerms"))
-        && client.click(name("submitButton")) && client.waitFor(name("buttonUpload"));
-}
-
 bool tst_OtherService::changeAccount()
 {
     ClientDriver &client = *m_system.client;
@@ -99,7 +87,7 @@ void tst_OtherService::aMembersWholeWayWorksWithIt()
     ClientDriver &client = *m_system.client;
     const QString table = name("myAuctionsTable");
     DO(client.start());
-    DO(createAccount());
+    DO(m_system.createAccount(member, oldPassword, QStringLiteral("zoe@example.org")));
     DO(m_system.prepareUpload(m_system.makePhoto(photo), QStringLiteral("Ein schönes Tor")));
     DO(client.click(name("createAuctionButton")));
     DO(client.click(name("buttonOk")));

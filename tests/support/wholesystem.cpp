@@ -81,6 +81,20 @@ QString WholeSystem::makePhoto(const QColor &ground) const
     return image.save(path, "JPEG") ? path : QString();
 }
 
+bool WholeSystem::createAccount(const QString &userName, const QString &password,
+                                const QString &email)
+{
+    return client->click(QStringLiteral("createAccountButton"))
+        && client->type(QStringLiteral("lineUsername"), userName)
+        && client->type(QStringLiteral("linePassword"), password)
+        && client->type(QStringLiteral("lineEmailaddress"), email)
+        && client->type(QStringLiteral("lineAgain"), email)
+        && client->clickTab(QStringLiteral("tabWidget"), 1)
+        && client->click(QStringLiteral("checkTerms"))
+        && client->click(QStringLiteral("submitButton"))
+        && client->waitFor(QStringLiteral("buttonUpload"));
+}
+
 bool WholeSystem::logIn(const QString &userName, const QString &password)
 {
     return client->click(QStringLiteral("loginButton"))

@@ -35,6 +35,8 @@ public:
 
     /** A real JPEG in the member's picture folder, plain but for a disc; empty = not saved. */
     QString makePhoto(const QColor &ground) const;
+    /** From the welcome frame, with the terms accepted, to the home frame. */
+    bool createAccount(const QString &userName, const QString &password, const QString &email);
     /** From the welcome frame to the home frame. */
     bool logIn(const QString &userName, const QString &password);
     /** From the home frame to the wizard's confirmation page, in the category Monuments. */
