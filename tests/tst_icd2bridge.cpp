@@ -65,6 +65,20 @@ public:
         : m_state(state)
     {
     }
+    ~NetworkService() override
+    {
+        // Whatever a test came to: the next one has no such service.
+        QDBusConnection::systemBus().unregisterService(QLatin1String(networkName));
+    }
+    Q_DISABLE_COPY_MOVE(NetworkService)
+
+    bool appear()
+    {
+        QDBusConnection bus = QDBusConnection::systemBus();
+        return bus.registerObject(QLatin1String(networkPath), this,
+                                  QDBusConnection::ExportAllProperties)
+            && bus.registerService(QLatin1String(networkName));
+    }
 
     void setState(uint state)
     {
@@ -312,10 +326,7 @@ void tst_Icd2Bridge::bringsTheClientOnline()
 void tst_Icd2Bridge::followsTheDesktopsNetwork()
 {
     NetworkService network(70);
-    QDBusConnection bus = QDBusConnection::systemBus();
-    QVERIFY(bus.registerObject(QLatin1String(networkPath), &network,
-                               QDBusConnection::ExportAllProperties));
-    QVERIFY(bus.registerService(QLatin1String(networkName)));
+    QVERIFY(network.appear());
 
     QVERIFY(start({}));
     callDaemon("state_req");
@@ -337,17 +348,12 @@ void tst_Icd2Bridge::followsTheDesktopsNetwork()
     states.append(0);
     QTRY_COMPARE(m_reports->states(), states);
     QCOMPARE(callDaemon("state_req").arguments(), (QList<QVariant>{0U}));
-
-    bus.unregisterService(QLatin1String(networkName));
 }
 
 void tst_Icd2Bridge::isLimitedBehindACaptivePortal()
 {
     NetworkService network(70);
-    QDBusConnection bus = QDBusConnection::systemBus();
-    QVERIFY(bus.registerObject(QLatin1String(networkPath), &network,
-                               QDBusConnection::ExportAllProperties));
-    QVERIFY(bus.registerService(QLatin1String(networkName)));
+    QVERIFY(network.appear());
     QVERIFY(start({}));
     callDaemon("state_req");
     QTRY_COMPARE(m_reports->states(), QList<quint32>{2});
@@ -363,8 +369,6 @@ void tst_Icd2Bridge::isLimitedBehindACaptivePortal()
     QTRY_COMPARE(m_reports->states(), (QList<quint32>{2, 4, 2, 4, 0}));
     network.setState(70);
     QTRY_COMPARE(m_reports->states(), (QList<quint32>{2, 4, 2, 4, 0, 4}));
-
-    bus.unregisterService(QLatin1String(networkName));
 }
 
 void tst_Icd2Bridge::isOnlineWhereTheDesktopCannotTell()
