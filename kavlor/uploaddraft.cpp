@@ -2,6 +2,8 @@
 
 #include "uploaddraft.h"
 
+#include "leftovers.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -68,6 +70,7 @@ void UploadDraft::save(const QString &member, const CAuctionRecord &record) cons
         {reservePriceKey, static_cast<qint64>(record.reservePrice)},
         {buyItNowPriceKey, static_cast<qint64>(record.buyItNowPrice)},
     };
+    removeLeftovers(m_path);
     QSaveFile file(m_path);
     // Narrow rights before there is anything in it. A draft that cannot be kept is no reason to
     // stop the member.
@@ -80,6 +83,7 @@ void UploadDraft::save(const QString &member, const CAuctionRecord &record) cons
 
 void UploadDraft::remove() const
 {
+    removeLeftovers(m_path);
     QFile::remove(m_path);
 }
 

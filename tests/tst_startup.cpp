@@ -26,6 +26,7 @@ private slots:
     void transportErrorEndsTheProgramWithCodeZero_data();
     void transportErrorEndsTheProgramWithCodeZero();
     void withoutAServiceTheProgramSaysSoAndEnds();
+    void withoutATemporaryFolderTheProgramSaysSoAndEnds();
     void theLoginIsRememberedAcrossStarts();
     void aWindowClosedDuringTheStartEndsTheProgram();
     void offlineAWindowClosedDuringTheStartEndsTheProgramAtOnce();
@@ -110,6 +111,19 @@ void tst_Startup::withoutAServiceTheProgramSaysSoAndEnds()
 {
     QVERIFY2(m_system.client->start(), qPrintable(m_system.client->error()));
     QVERIFY(m_system.client->closeBox().contains(QStringLiteral("refused")));
+    QCOMPARE(m_system.client->waitForEnd(), 0);
+}
+
+void tst_Startup::withoutATemporaryFolderTheProgramSaysSoAndEnds()
+{
+    const QString temporary = QString::fromLocal8Bit(qgetenv("TMPDIR"));
+    // Where one is named that is not there, the toolkit takes the root, in which some may write.
+    m_system.client->setEnvironment(QStringLiteral("TMPDIR"), QStringLiteral("/dev/null"));
+    const auto back =
+        qScopeGuard([&] { m_system.client->setEnvironment(QStringLiteral("TMPDIR"), temporary); });
+    QVERIFY2(m_system.client->start(), qPrintable(m_system.client->error()));
+    const QString told = m_system.client->closeBox();
+    QVERIFY2(told.endsWith(QStringLiteral("\n\nUnable to create a temp file")), qPrintable(told));
     QCOMPARE(m_system.client->waitForEnd(), 0);
 }
 
