@@ -2,49 +2,41 @@
 
 #include "curlloop.h"
 
+#include "curllibrary.h"
+
 #include <QSocketNotifier>
 
-namespace {
-
-CURLM *makeMulti()
-{
-    // Once in the program, and never undone.
-    [[maybe_unused]] static const CURLcode ready = curl_global_init(CURL_GLOBAL_DEFAULT);
-    return curl_multi_init();
-}
-
-} // namespace
-
-CurlLoop::CurlLoop(QObject *parent)
+CurlLoop::CurlLoop(const CurlLibrary &library, QObject *parent)
     : QObject(parent)
-    , m_multi(makeMulti())
+    , m_library(library)
+    , m_multi(library.multiInit())
 {
     m_timer.setSingleShot(true);
     connect(&m_timer, &QTimer::timeout, this, [this] { act(CURL_SOCKET_TIMEOUT, 0); });
-    curl_multi_setopt(m_multi, CURLMOPT_SOCKETFUNCTION, &CurlLoop::watchSocket);
-    curl_multi_setopt(m_multi, CURLMOPT_SOCKETDATA, this);
-    curl_multi_setopt(m_multi, CURLMOPT_TIMERFUNCTION, &CurlLoop::setTimer);
-    curl_multi_setopt(m_multi, CURLMOPT_TIMERDATA, this);
+    m_library.multiSetopt(m_multi, CURLMOPT_SOCKETFUNCTION, &CurlLoop::watchSocket);
+    m_library.multiSetopt(m_multi, CURLMOPT_SOCKETDATA, this);
+    m_library.multiSetopt(m_multi, CURLMOPT_TIMERFUNCTION, &CurlLoop::setTimer);
+    m_library.multiSetopt(m_multi, CURLMOPT_TIMERDATA, this);
 }
 
 CurlLoop::~CurlLoop()
 {
-    curl_multi_cleanup(m_multi);
+    m_library.multiCleanup(m_multi);
 }
 
 void CurlLoop::add(CURL *transfer)
 {
-    curl_multi_add_handle(m_multi, transfer);
+    m_library.multiAddHandle(m_multi, transfer);
 }
 
 void CurlLoop::remove(CURL *transfer)
 {
-    curl_multi_remove_handle(m_multi, transfer);
+    m_library.multiRemoveHandle(m_multi, transfer);
 }
 
 void CurlLoop::resume(CURL *transfer)
 {
-    curl_easy_pause(transfer, CURLPAUSE_CONT);
+    m_library.easyPause(transfer, CURLPAUSE_CONT);
 }
 
 int CurlLoop::watchSocket(CURL *, curl_socket_t socket, int what, void *self, void *)
@@ -106,14 +98,14 @@ void CurlLoop::forget(curl_socket_t socket)
 void CurlLoop::act(curl_socket_t socket, int ready)
 {
     int running = 0;
-    curl_multi_socket_action(m_multi, socket, ready, &running);
+    m_library.multiSocketAction(m_multi, socket, ready, &running);
     reportFinished();
 }
 
 void CurlLoop::reportFinished()
 {
     int left = 0;
-    while (const CURLMsg *message = curl_multi_info_read(m_multi, &left)) {
+    while (const CURLMsg *message = m_library.multiInfoRead(m_multi, &left)) {
         if (message->msg == CURLMSG_DONE)
             emit finished(message->easy_handle, message->data.result);
     }

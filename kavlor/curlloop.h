@@ -8,6 +8,7 @@
 
 #include <curl/curl.h>
 
+struct CurlLibrary;
 class QSocketNotifier;
 
 /**
@@ -22,7 +23,7 @@ class CurlLoop : public QObject
     Q_OBJECT
 
 public:
-    explicit CurlLoop(QObject *parent = nullptr);
+    explicit CurlLoop(const CurlLibrary &library, QObject *parent = nullptr);
     ~CurlLoop() override;
 
     /** Starts @p transfer; it is not owned. */
@@ -51,6 +52,7 @@ private:
     void act(curl_socket_t socket, int ready);
     void reportFinished();
 
+    const CurlLibrary &m_library;
     CURLM *const m_multi;
     QTimer m_timer;
     QHash<curl_socket_t, Watch> m_watches;

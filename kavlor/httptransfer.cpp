@@ -2,10 +2,12 @@
 
 #include "httptransfer.h"
 
+#include "curllibrary.h"
 #include "curlloop.h"
 #include "qhttprequestheader.h"
 #include "timeconstants.h"
 
+#include <QDeadlineTimer>
 #include <QFileDevice>
 #include <QNetworkProxy>
 
@@ -13,6 +15,9 @@
 #include <cstring>
 
 namespace {
+
+constexpr qsizetype leastPiece = 65536; // bytes, as the library has it
+constexpr qsizetype mostPiece = 1048576;
 
 QString sinkErrorText(const QIODevice &sink)
 {
@@ -30,12 +35,30 @@ QByteArray fieldLine(const QString &name, const QString &value)
     return name.toLatin1() + ": " + value.toLatin1();
 }
 
+// As the system is set up: by its environment, or by the desktop's settings. To ask takes a thread,
+// and more time than all else that makes a request: those that follow each other share an answer.
+QNetworkProxy systemProxyFor(const QUrl &url)
+{
+    static QUrl answered;
+    static QNetworkProxy proxy;
+    static QDeadlineTimer expiry; // a device may change networks
+    const QUrl service = url.adjusted(QUrl::RemovePath);
+    if (expiry.hasExpired() || service != answered) {
+        proxy = QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url)).value(0);
+        answered = service;
+        expiry.setRemainingTime(timeConstants().proxyAnswer);
+    }
+    return proxy;
+}
+
 } // namespace
 
 HttpTransfer::HttpTransfer(const QUrl &url, const QHttpRequestHeader &header,
-                           const QByteArray &body, QIODevice *sink, CurlLoop *loop, QObject *parent)
+                           const QByteArray &body, QIODevice *sink, const CurlLibrary &library,
+                           CurlLoop *loop, QObject *parent)
     : QObject(parent)
-    , m_transfer(curl_easy_init())
+    , m_library(library)
+    , m_transfer(library.easyInit())
     , m_loop(loop)
     , m_body(body)
     , m_sink(sink)
@@ -52,8 +75,8 @@ HttpTransfer::~HttpTransfer()
 {
     if (m_loop)
         m_loop->remove(m_transfer);
-    curl_easy_cleanup(m_transfer);
-    curl_slist_free_all(m_fields);
+    m_library.easyCleanup(m_transfer);
+    m_library.slistFreeAll(m_fields);
 }
 
 // The library adds fields of its own unless they are named without a value. That also keeps it from
@@ -61,7 +84,7 @@ HttpTransfer::~HttpTransfer()
 void HttpTransfer::setFields(const QHttpRequestHeader &header)
 {
     const auto append = [this](const QByteArray &line) {
-        m_fields = curl_slist_append(m_fields, line.constData());
+        m_fields = m_library.slistAppend(m_fields, line.constData());
     };
     if (!header.value(QStringLiteral("Host")).isEmpty())
         append("Host:");
@@ -74,7 +97,7 @@ void HttpTransfer::setFields(const QHttpRequestHeader &header)
 void HttpTransfer::setOptions(const QUrl &url, const QByteArray &method)
 {
     const auto set = [this](CURLoption option, auto value) {
-        curl_easy_setopt(m_transfer, option, value);
+        m_library.easySetopt(m_transfer, option, value);
     };
     set(CURLOPT_URL, url.toEncoded().constData());
     set(CURLOPT_PROTOCOLS_STR, "http,https");
@@ -92,6 +115,9 @@ void HttpTransfer::setOptions(const QUrl &url, const QByteArray &method)
     set(CURLOPT_POST, 1L);
     set(CURLOPT_CUSTOMREQUEST, method.constData());
     set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(m_body.size()));
+    // A clip goes out in few pieces, each of which comes by way of the event loop.
+    set(CURLOPT_UPLOAD_BUFFERSIZE,
+        static_cast<long>(qBound<qsizetype>(leastPiece, m_body.size(), mostPiece)));
     set(CURLOPT_READFUNCTION, &HttpTransfer::readBody);
     set(CURLOPT_READDATA, this);
     set(CURLOPT_SEEKFUNCTION, &HttpTransfer::refuseToRewind);
@@ -101,11 +127,9 @@ void HttpTransfer::setOptions(const QUrl &url, const QByteArray &method)
     set(CURLOPT_WRITEDATA, this);
 }
 
-// As the system is set up: by its environment, or by the desktop's settings.
 void HttpTransfer::setProxy(const QUrl &url)
 {
-    const QNetworkProxy proxy =
-        QNetworkProxyFactory::systemProxyForQuery(QNetworkProxyQuery(url)).value(0);
+    const QNetworkProxy proxy = systemProxyFor(url);
     QUrl address;
     address.setHost(proxy.hostName());
     address.setPort(proxy.port());
@@ -115,13 +139,14 @@ void HttpTransfer::setProxy(const QUrl &url)
         address.setScheme(QStringLiteral("socks5h"));
     else
         address.clear();
-    curl_easy_setopt(m_transfer, CURLOPT_PROXY, address.toEncoded().constData());
+    m_library.easySetopt(m_transfer, CURLOPT_PROXY, address.toEncoded().constData());
     if (!proxy.user().isEmpty()) {
-        curl_easy_setopt(m_transfer, CURLOPT_PROXYUSERNAME, proxy.user().toUtf8().constData());
-        curl_easy_setopt(m_transfer, CURLOPT_PROXYPASSWORD, proxy.password().toUtf8().constData());
+        m_library.easySetopt(m_transfer, CURLOPT_PROXYUSERNAME, proxy.user().toUtf8().constData());
+        m_library.easySetopt(m_transfer, CURLOPT_PROXYPASSWORD,
+                             proxy.password().toUtf8().constData());
     }
     // What the proxy says of a tunnel that it makes is not the reply.
-    curl_easy_setopt(m_transfer, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    m_library.easySetopt(m_transfer, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
 }
 
 void HttpTransfer::dropSink()
@@ -196,7 +221,7 @@ void HttpTransfer::readHeaderLine(const QByteArray &line)
 void HttpTransfer::endHeader()
 {
     long status = 0;
-    curl_easy_getinfo(m_transfer, CURLINFO_RESPONSE_CODE, &status);
+    m_library.easyGetinfo(m_transfer, CURLINFO_RESPONSE_CODE, &status);
     if (status < 100 || status >= 200)
         completeHeader();
 }
@@ -210,7 +235,7 @@ void HttpTransfer::completeHeader()
 void HttpTransfer::reportHeader()
 {
     long status = 0;
-    curl_easy_getinfo(m_transfer, CURLINFO_RESPONSE_CODE, &status);
+    m_library.easyGetinfo(m_transfer, CURLINFO_RESPONSE_CODE, &status);
     QHttpResponseHeader header(static_cast<int>(status));
     for (const auto &[rawName, rawValue] : std::as_const(m_headerFields)) {
         const QString name = QString::fromLatin1(rawName);
@@ -244,7 +269,7 @@ void HttpTransfer::end(CURL *transfer, CURLcode result)
 QString HttpTransfer::textOf(CURLcode result) const
 {
     long systemError = 0;
-    curl_easy_getinfo(m_transfer, CURLINFO_OS_ERRNO, &systemError);
+    m_library.easyGetinfo(m_transfer, CURLINFO_OS_ERRNO, &systemError);
     switch (result) {
     case CURLE_OK:
         // A connection that ends within the header passes for a reply without a body.

@@ -13,6 +13,7 @@
 
 #include <curl/curl.h>
 
+struct CurlLibrary;
 class CurlLoop;
 class QHttpRequestHeader;
 class QIODevice;
@@ -30,7 +31,7 @@ class HttpTransfer : public QObject
 public:
     /** @p header says all that is sent, its own length included. @p sink is not owned. */
     HttpTransfer(const QUrl &url, const QHttpRequestHeader &header, const QByteArray &body,
-                 QIODevice *sink, CurlLoop *loop, QObject *parent);
+                 QIODevice *sink, const CurlLibrary &library, CurlLoop *loop, QObject *parent);
     ~HttpTransfer() override;
 
     /** The rest of the reply is taken and dropped. */
@@ -60,6 +61,7 @@ private:
     void end(CURL *transfer, CURLcode result);
     QString textOf(CURLcode result) const;
 
+    const CurlLibrary &m_library;
     CURL *const m_transfer;
     const QPointer<CurlLoop> m_loop;
     curl_slist *m_fields = nullptr;

@@ -50,9 +50,7 @@ int runWindow(QSettings *settings, OneInstance *instance, const QString &mediaPa
     instance->hear();
     if (!mediaPath.isEmpty())
         root->openMedia(mediaPath);
-    // The start may have waited for a connection already, and the member may have closed the window
-    // meanwhile: no event loop would end then.
-    return root->isVisible() ? QApplication::exec() : EXIT_SUCCESS;
+    return QApplication::exec();
 }
 
 } // namespace

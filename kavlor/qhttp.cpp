@@ -2,6 +2,7 @@
 
 #include "qhttp.h"
 
+#include "curllibrary.h"
 #include "curlloop.h"
 #include "httptransfer.h"
 #include "qhttprequestheader.h"
@@ -27,7 +28,6 @@ QString realmOf(const QString &challenge)
 
 QHttp::QHttp(QObject *parent)
     : QObject(parent)
-    , m_loop(new CurlLoop(this))
 {
 }
 
@@ -81,7 +81,14 @@ void QHttp::send(const QHttpRequestHeader &header, const QByteArray &body, QIODe
     url.setPort(m_port == 0 ? -1 : m_port);
     url.setPath(header.path(), QUrl::TolerantMode);
 
-    m_transfer = new HttpTransfer(url, header, body, sink, m_loop, this);
+    const CurlLibrary *library = CurlLibrary::instance();
+    if (!library) {
+        finishLater(tr("The program is not completely installed: it lacks its HTTP library."));
+        return;
+    }
+    if (!m_loop)
+        m_loop = new CurlLoop(*library, this);
+    m_transfer = new HttpTransfer(url, header, body, sink, *library, m_loop, this);
     connect(m_transfer, &HttpTransfer::headerArrived, this, &QHttp::reportHeader);
     connect(m_transfer, &HttpTransfer::finished, this,
             [this] { finish(m_currentId, m_transfer->errorText()); });

@@ -83,7 +83,7 @@ private:
     ConnectionMode m_mode = ConnectionModeHttp;
     quint16 m_port = 0;
     QString m_credentials;
-    CurlLoop *const m_loop;
+    CurlLoop *m_loop = nullptr; // made for the first request
     int m_lastId = 0;
     int m_currentId = 0;                // 0 = nothing under way
     HttpTransfer *m_transfer = nullptr; // of the current request

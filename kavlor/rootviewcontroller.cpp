@@ -4,6 +4,7 @@
 
 #include "doubletapguard.h"
 #include "enterkey.h"
+#include "firstpaint.h"
 #include "framearea.h"
 #include "framecreateaccount.h"
 #include "framewelcomekavlor.h"
@@ -75,8 +76,10 @@ RootViewController::RootViewController(QSettings *settings, QWidget *parent)
 
     m_splash = new CKavlorSplashWindow(this, lastUser, m_settings, m_ui->mainView);
     connect(m_splash, &CKavlorSplashWindow::initFails, this, &RootViewController::exitInitiated);
+    // The first request takes the HTTP library with all that is under it, which takes its time.
+    connect(new FirstPaint(m_splash), &FirstPaint::painted, m_splash,
+            &CKavlorSplashWindow::startRequests);
     m_splash->show();
-    m_splash->startRequests();
 }
 
 RootViewController::~RootViewController()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "framewelcomekavlor.h"
+#include "httptransfer.h"
 #include "kavlorknownuser.h"
 #include "kavlorsplashwindow.h"
 #include "progressivemodel.h"
@@ -14,11 +15,41 @@
 #include <QTableView>
 #include <QTimer>
 
+namespace {
+
+// Whether a widget has been painted since.
+class PaintWatch : public QObject
+{
+public:
+    explicit PaintWatch(QWidget *watched)
+    {
+        watched->installEventFilter(this);
+    }
+    bool isPainted() const
+    {
+        return m_isPainted;
+    }
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        m_isPainted = m_isPainted || event->type() == QEvent::Paint;
+        return false;
+    }
+
+private:
+    bool m_isPainted = false;
+};
+
+} // namespace
+
 class tst_KavlorSplashWindow : public TestCase
 {
     Q_OBJECT
 
 private slots:
+    void nothingIsAskedBeforeTheWindowIsSeen();
+    void aWindowThatIsNeverSeenStartsAllTheSame();
     void withoutALoginTermsThenCountries();
     void withALoginAllFiveInOrder();
     void validationReply_data();
@@ -59,6 +90,30 @@ QString tst_KavlorSplashWindow::message(const RootWindow &window)
 CProgressiveModel *tst_KavlorSplashWindow::strip(const RootWindow &window)
 {
     return qobject_cast<CProgressiveModel *>(window.find<QTableView>("splashProgress")->model());
+}
+
+void tst_KavlorSplashWindow::nothingIsAskedBeforeTheWindowIsSeen()
+{
+    RootWindow window;
+    window.scriptStart();
+    window.start();
+    PaintWatch watch(window.find("splashProgress"));
+    QVERIFY(window.root()->findChildren<HttpTransfer *>().isEmpty());
+    QTRY_VERIFY(watch.isPainted());
+    QVERIFY(window.root()->findChildren<HttpTransfer *>().isEmpty());
+    QTRY_VERIFY2(window.service.isDone(), window.service.report());
+}
+
+void tst_KavlorSplashWindow::aWindowThatIsNeverSeenStartsAllTheSame()
+{
+    RootWindow window;
+    testTimeConstants().paintWait = 1;
+    window.scriptStart();
+    window.start();
+    window.root()->setUpdatesEnabled(false);
+    PaintWatch watch(window.find("splashProgress"));
+    QTRY_VERIFY2(window.service.isDone(), window.service.report());
+    QVERIFY(!watch.isPainted());
 }
 
 void tst_KavlorSplashWindow::withoutALoginTermsThenCountries()
@@ -412,7 +467,7 @@ void tst_KavlorSplashWindow::offlineTheStartEndsWithOneBoxAndNoRequest()
     RootWindow window;
     testTimeConstants().connectionWait = 50;
     window.connector.reportState(OnlineConnector::Disconnected);
-    window.start(); // waits and fails within the call
+    window.start();
     QTRY_VERIFY(!window.root()->isVisible());
     QCOMPARE(window.dialogs.boxes().size(), 1);
     QVERIFY(window.dialogs.boxes().constFirst().text.endsWith(
@@ -425,8 +480,17 @@ void tst_KavlorSplashWindow::aWindowClosedWhileWaitingForAConnectionIsToldNothin
     RootWindow window;
     testTimeConstants().connectionWait = 100;
     window.connector.reportState(OnlineConnector::Disconnected);
-    QTimer::singleShot(0, this, [] { QApplication::closeAllWindows(); });
+    bool isClosed = false;
+    QTimer close;
+    connect(&close, &QTimer::timeout, this, [&] {
+        if (isClosed || message(window) != QStringLiteral("requesting terms data"))
+            return;
+        isClosed = true;
+        QApplication::closeAllWindows();
+    });
     window.start();
+    close.start(0);
+    QTRY_VERIFY(isClosed);
     QVERIFY(!window.root()->isVisible());
     QCOMPARE(window.dialogs.boxes().size(), 0);
     QVERIFY2(window.service.isDone(), window.service.report());

@@ -27,6 +27,7 @@ private slots:
     void transportErrorEndsTheProgramWithCodeZero();
     void withoutAServiceTheProgramSaysSoAndEnds();
     void withoutATemporaryFolderTheProgramSaysSoAndEnds();
+    void withoutItsHttpLibraryTheProgramSaysSoAndEnds();
     void theLoginIsRememberedAcrossStarts();
     void aWindowClosedDuringTheStartEndsTheProgram();
     void offlineAWindowClosedDuringTheStartEndsTheProgramAtOnce();
@@ -125,6 +126,18 @@ void tst_Startup::withoutATemporaryFolderTheProgramSaysSoAndEnds()
     const QString told = m_system.client->closeBox();
     QVERIFY2(told.endsWith(QStringLiteral("\n\nUnable to create a temp file")), qPrintable(told));
     QCOMPARE(m_system.client->waitForEnd(), 0);
+}
+
+void tst_Startup::withoutItsHttpLibraryTheProgramSaysSoAndEnds()
+{
+    const QString searched = QStringLiteral("LD_LIBRARY_PATH");
+    const QString before = qEnvironmentVariable("LD_LIBRARY_PATH");
+    ClientDriver &client = *m_system.client;
+    client.setEnvironment(searched, QStringLiteral(KAVLOR_EMPTY_CURL ":") + before);
+    const auto restore = qScopeGuard([&] { client.setEnvironment(searched, before); });
+    QVERIFY2(client.start(), qPrintable(client.error()));
+    QVERIFY(client.closeBox().contains(QStringLiteral("not completely installed")));
+    QCOMPARE(client.waitForEnd(), 0);
 }
 
 void tst_Startup::theLoginIsRememberedAcrossStarts()

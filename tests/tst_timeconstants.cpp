@@ -20,11 +20,13 @@ void tst_TimeConstants::programWaitsForTheseTimes()
     const TimeConstants &times = timeConstants();
     QCOMPARE(times.startUpMinimum, 5000);
     QCOMPARE(times.progressStep, 350);
+    QCOMPARE(times.paintWait, 500);
     QCOMPARE(times.exitDelay, 20);
     QCOMPARE(times.connectionWait, 35000);
     QCOMPARE(times.reachWait, 30000);
     QCOMPARE(times.formTimeout, 10000);
     QCOMPARE(times.uploadTimeout, 1800000);
+    QCOMPARE(times.proxyAnswer, 1000);
     QCOMPARE(times.rotationDelay, 50);
     QCOMPARE(times.categoryDelay, 50);
     QCOMPARE(times.handOverWait, 2000);

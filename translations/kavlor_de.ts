@@ -933,6 +933,10 @@ und einordnen.</translation>
         <source>Request aborted</source>
         <translation>Anfrage abgebrochen</translation>
     </message>
+    <message>
+        <source>The program is not completely installed: it lacks its HTTP library.</source>
+        <translation>Das Programm ist nicht vollständig installiert: seine HTTP-Bibliothek fehlt.</translation>
+    </message>
 </context>
 <context>
     <name>RootViewController</name>

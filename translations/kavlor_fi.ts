@@ -933,6 +933,10 @@ ja valitse luokka.</translation>
         <source>Request aborted</source>
         <translation>Pyyntö keskeytettiin</translation>
     </message>
+    <message>
+        <source>The program is not completely installed: it lacks its HTTP library.</source>
+        <translation>Ohjelmaa ei ole asennettu kokonaan: sen HTTP-kirjasto puuttuu.</translation>
+    </message>
 </context>
 <context>
     <name>RootViewController</name>
