@@ -108,6 +108,9 @@ void DialogAnswers::answer(QObject *dialog)
         return;
     }
     files->selectNameFilter(filterFor(*files, path));
+    // The name that is being typed would have the last word.
+    if (auto *rows = files->findChild<QWidget *>(QStringLiteral("listView")))
+        rows->setFocus();
     // The dialog reads the folder by and by.
     const bool selected = waitUntil([files, path] {
         files->selectFile(path);

@@ -251,6 +251,38 @@ void MoodyService::dropConnections()
         end(socket, Reset);
 }
 
+void MoodyService::holdReplies(bool hold)
+{
+    m_holding = hold;
+    while (!hold && !m_held.isEmpty())
+        answerHeld(0);
+}
+
+int MoodyService::heldCount() const
+{
+    return static_cast<int>(m_held.size());
+}
+
+void MoodyService::answerHeld(int number, const Fault *fault)
+{
+    QTcpSocket *socket = m_held.takeAt(number);
+    answer(socket, m_requests.value(socket).operation, fault);
+}
+
+int MoodyService::connectionCount() const
+{
+    return static_cast<int>(m_requests.size());
+}
+
+bool MoodyService::isQuiet() const
+{
+    for (auto request = m_requests.cbegin(); request != m_requests.cend(); ++request) {
+        if (!request->hangs && !m_held.contains(request.key()))
+            return false;
+    }
+    return true;
+}
+
 int MoodyService::count(const QByteArray &operation) const
 {
     return m_counts.value(operation);
@@ -263,6 +295,7 @@ void MoodyService::accept()
         connect(socket, &QTcpSocket::readyRead, this, [this, socket] { read(socket); });
         connect(socket, &QTcpSocket::disconnected, this, [this, socket] {
             m_requests.remove(socket);
+            m_held.removeOne(socket);
             socket->deleteLater();
         });
     }
@@ -287,6 +320,10 @@ void MoodyService::read(QTcpSocket *socket)
     if (request.raw.size() < end + 4 + length && !(spoilt && m_fault.isEarly))
         return;
     request.answered = true;
+    if (m_holding) {
+        m_held.append(socket);
+        return;
+    }
     if (spoilt)
         m_spoiltOperation.clear();
     answer(socket, request.operation, spoilt ? &m_fault : nullptr);
@@ -300,6 +337,7 @@ void MoodyService::answer(QTcpSocket *socket, const QByteArray &operation, const
         socket->write(whole(body, type));
         return;
     }
+    m_requests[socket].hangs = !fault->endsByItself;
     const QByteArray bytes = fault->bytes(body, type);
     if (fault->drips) {
         drip(socket, bytes);

@@ -51,6 +51,16 @@ public:
     /** Tears down every open connection. */
     void dropConnections();
 
+    /** Lets requests that have come whole wait for answerHeld(), until it is called with false. */
+    void holdReplies(bool hold);
+    /** How many requests wait for answerHeld(). */
+    int heldCount() const;
+    /** Answers the held request of that number, from 0 in the order in which they came. */
+    void answerHeld(int number, const Fault *fault = nullptr);
+    int connectionCount() const;
+    /** True when nothing is on its way: whatever is open is held, or hangs by its fault. */
+    bool isQuiet() const;
+
     /** How many requests for @p operation have begun to arrive. */
     int count(const QByteArray &operation) const;
 
@@ -64,6 +74,7 @@ private:
         QByteArray raw;
         QByteArray operation;
         bool answered = false;
+        bool hangs = false;
     };
 
     void accept();
@@ -76,6 +87,8 @@ private:
     quint16 m_port = 0;
     QHash<QTcpSocket *, Request> m_requests;
     QHash<QByteArray, int> m_counts;
+    bool m_holding = false;
+    QList<QTcpSocket *> m_held;
     QByteArray m_spoiltOperation;
     Fault m_fault;
 };
