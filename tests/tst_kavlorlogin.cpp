@@ -4,6 +4,7 @@
 #include "framewelcomekavlor.h"
 #include "kavlorknownuser.h"
 #include "kavlorlogin.h"
+#include "languages.h"
 #include "pixels.h"
 #include "resultlog.h"
 #include "rootwindow.h"
@@ -40,6 +41,7 @@ private slots:
     void returnDoesNothingWhileAFieldIsEmpty();
     void textsAreSentAsTyped();
     void cancelLeavesToTheWelcomeFrame();
+    void whatWasLeftSaysNothingInTheBar();
     void cancelWhileTheRequestRuns();
     void endlessReplyStopsWithTheFrame();
     void passwordPageIsTheServices();
@@ -293,6 +295,17 @@ void tst_KavlorLogin::cancelLeavesToTheWelcomeFrame()
     QTRY_VERIFY(!m_window->root()->findChild<KavlorLogin *>());
     QCOMPARE(m_window->text("labelWelcomeTo"), QStringLiteral("welcome to "));
     QVERIFY(!m_window->find("cancelNavigationButton"));
+}
+
+// The language may change before the frame is really gone.
+void tst_KavlorLogin::whatWasLeftSaysNothingInTheBar()
+{
+    QVERIFY(m_window->click("cancelNavigationButton"));
+    Languages languages;
+    languages.use(QLocale(QLocale::German));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LanguageChange);
+    QVERIFY(m_window->root()->findChild<KavlorLogin *>());
+    QCOMPARE(m_window->text("labelWelcomeTo"), QStringLiteral("Willkommen bei "));
 }
 
 void tst_KavlorLogin::cancelWhileTheRequestRuns()
