@@ -179,8 +179,6 @@ void FingerScroll::tap(Qt::KeyboardModifiers modifiers)
     m_tapTime = m_pressTime;
     if (m_isSecond && m_content == Rows)
         return; // the first tap may have put another row under the finger
-    if ((m_area->focusPolicy() & Qt::ClickFocus) != 0)
-        m_area->setFocus(Qt::MouseFocusReason);
     send(m_isSecond ? QEvent::MouseButtonDblClick : QEvent::MouseButtonPress, modifiers);
     if (m_viewport)
         send(QEvent::MouseButtonRelease, modifiers);

@@ -581,6 +581,8 @@ void tst_FingerScroll::aFingerPlacesTheCursorAndSelectsAWord()
     auto *text = qobject_cast<QPlainTextEdit *>(description());
     QVERIFY(text);
     const QPoint inFirstWord(20, 20);
+    text->clearFocus();
+    QVERIFY(!text->hasFocus());
     Pointer finger(Finger, text->viewport());
     finger.tap(inFirstWord);
     QVERIFY(text->hasFocus());
