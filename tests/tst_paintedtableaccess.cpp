@@ -119,9 +119,11 @@ void tst_PaintedTableAccess::cellsOfALevelThatIsLeftAreReplaced()
     QTableView *table = openCategories(&window);
     QVERIFY(table);
     QCOMPARE(nameOf(table, 0, 1), QStringLiteral("Public Figures"));
+    const QAccessible::Id left = QAccessible::uniqueId(access(table)->child(6));
     const QModelIndex sports = table->model()->index(1, 1);
     QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(sports).center());
     QCOMPARE(nameOf(table, 0, 1), QStringLiteral("Football"));
+    QVERIFY(!QAccessible::accessibleInterface(left)); // none is kept for every level that was seen
     QCOMPARE(nameOf(table, 0, 0), QStringLiteral("One level up"));
 }
 
