@@ -25,7 +25,6 @@ namespace {
 
 constexpr int whileEditing = 0; // levels of CKavlorUser::validate()
 constexpr int beforeSending = 3;
-constexpr int termsPointSize = 16;
 
 // The terms are written for print: what they set in 10 points is too small to read here.
 QString withReadableSize(QString html)
@@ -63,7 +62,6 @@ FrameCreateAccount::FrameCreateAccount(QSettings *settings, CKavlorUser *user, Q
     auto *scale = new RoomScale(this, QSize(1040, 640));
     new StartFocus(this, m_ui->lineUsername);
     setUpTerms();
-    m_ui->termsEdit->setFont(QFont(QStringLiteral("LargeSystemFont"), termsPointSize));
     new PlainToolTip(m_ui->tabWidget);
     m_ui->errorLabelText->clear();
 
