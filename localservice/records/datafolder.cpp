@@ -33,6 +33,14 @@ bool syncFolder(const QString &path)
     return synced;
 }
 
+// Those above it that nobody may read were not made for it.
+void syncFoldersAbove(const QString &path)
+{
+    QDir folder(path);
+    while (folder.cdUp())
+        syncFolder(folder.path());
+}
+
 QString freeName(const QDir &folder, const QString &wanted)
 {
     QString name = wanted;
@@ -67,6 +75,7 @@ Result<void> DataFolder::open()
     if (!QFile::setPermissions(m_path, ownerOnly))
         return broken(QStringLiteral("The folder %1 cannot be closed to others.").arg(m_path));
     if (m_isNew) {
+        syncFoldersAbove(m_path);
         const Result<void> marked = writeMarker(inTheMaking);
         if (!marked.isOk())
             return marked;

@@ -27,11 +27,16 @@ LocalServiceProcess::~LocalServiceProcess()
     kill();
 }
 
-bool LocalServiceProcess::start(const QStringList &options)
+void LocalServiceProcess::startWithoutWaiting(const QStringList &options)
 {
     const QStringList arguments{QStringLiteral("--port"), QString::number(m_wantedPort),
                                 QStringLiteral("--data"), dataDir()};
     m_process.start(m_program, arguments + options);
+}
+
+bool LocalServiceProcess::start(const QStringList &options)
+{
+    startWithoutWaiting(options);
     QElapsedTimer waited;
     waited.start();
     while (!m_process.canReadLine()) {

@@ -41,6 +41,8 @@ public:
 
     /** Starts the service with further @p options such as "--seed" and waits until it listens. */
     bool start(const QStringList &options = {});
+    /** As start(), but does not wait for anything. */
+    void startWithoutWaiting(const QStringList &options = {});
     /** Runs the program with just these options to its end. */
     static End runToEnd(const QStringList &options);
     /** Listens on this port from now on; 0, as it is unless set, is any free one. */
