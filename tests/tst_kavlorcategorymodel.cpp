@@ -100,6 +100,22 @@ QImage paintedCategory(bool topLevel, bool chosen, const QString &picture, const
     return pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
 }
 
+// The cell of a marker, painted likewise.
+QImage paintedMarker(const QString &marker)
+{
+    QPixmap pixmap(40, 87);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setFont(cellFont("LargeSystemFont", 31, QFont::Bold));
+    painter.setPen(QColor(126, 131, 137));
+    painter.drawText(QRect(0, 0, 40, 86), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                     marker);
+    painter.setPen(separatorColor());
+    painter.drawLine(0, separatorTop, 40, separatorTop);
+    painter.end();
+    return pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
+}
+
 // Whether a pixel has exactly @p color, as the inside of a large letter has.
 bool hasColor(const QImage &image, const QColor &color)
 {
@@ -301,6 +317,7 @@ void tst_KavlorCategoryModel::backMarkerOnlyBelowTheTopLevel()
     const QImage lower = cell(model, 0, CKavlorCategoryModel::BackColumn);
     QVERIFY(inkIn(lower, aboveSeparator(lower)) > 0);
     QVERIFY(hasColor(lower, QColor(126, 131, 137)));
+    QCOMPARE(lower, paintedMarker(QStringLiteral("<")));
 }
 
 void tst_KavlorCategoryModel::forwardMarkerOnlyWithChildren()
@@ -310,6 +327,7 @@ void tst_KavlorCategoryModel::forwardMarkerOnlyWithChildren()
     const QImage without = cell(model, 2, CKavlorCategoryModel::ForwardColumn);
     QCOMPARE(inkIn(without, aboveSeparator(without)), 0);
     const QImage with = cell(model, 1, CKavlorCategoryModel::ForwardColumn);
+    QCOMPARE(with, paintedMarker(QStringLiteral(">")));
     QVERIFY(hasColor(with, QColor(126, 131, 137)));
 }
 

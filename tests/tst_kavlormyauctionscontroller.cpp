@@ -583,6 +583,11 @@ void tst_KavlorMyAuctionsController::slimBarIsThereOnlyWhenNeeded()
     m_mainView->resize(800, 400);
     QTRY_VERIFY(bar->isVisible());
     QCOMPARE(bar->maximum(), 50);
+
+    const int before = table()->width();
+    m_mainView->resize(700, 400);
+    QTRY_VERIFY(table()->width() < before);
+    QCOMPARE(bar->geometry().right(), table()->width() - 1);
 }
 
 void tst_KavlorMyAuctionsController::touchScrollsAndTaps()
