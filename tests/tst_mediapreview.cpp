@@ -56,6 +56,7 @@ void tst_MediaPreview::photoFitsTheHeight_data()
     QTest::newRow("lying") << QSize(400, 200) << QSize(180, 90);
     QTest::newRow("standing, turned") << QSize(200, 400) << QSize(180, 90);
     QTest::newRow("square") << QSize(10, 10) << QSize(180, 180);
+    QTest::newRow("a line") << QSize(400, 1) << QSize(180, 1);
 }
 
 void tst_MediaPreview::photoFitsTheHeight()
