@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "member.h"
 #include "moodyservice.h"
 #include "resultlog.h"
 #include "rootwindow.h"
@@ -13,8 +14,6 @@
 #include <QPixmapCache>
 #include <QSet>
 #include <QStandardPaths>
-#include <QTabWidget>
-#include <QTableView>
 #include <QTest>
 
 #include <algorithm>
@@ -47,37 +46,15 @@ private:
     {
         QByteArray screen;
         QByteArray operation;
-        bool (tst_FaultMatrix::*way)();     ///< from the first screen to just before the request
-        bool (tst_FaultMatrix::*trigger)(); ///< what a member does to send it
-        QByteArray goal;                    ///< there once all went well
+        Member::Step way;     ///< from the first screen to just before the request
+        Member::Step trigger; ///< what a member does to send it
+        QByteArray goal;      ///< there once all went well
         bool signedIn = true;
         QByteArray previous = {}; ///< the request before it, where it is not the trigger's first
     };
 
     static const QList<Situation> &situations();
 
-    bool nothing();
-    bool start();
-    bool toLogin();
-    bool toCreateAccount();
-    bool toAccountForm();
-    bool toMyAccount();
-    bool toAlerts();
-    bool toList();
-    bool toPrices();
-    bool toSummary();
-    bool openAccountForm();
-    bool openList();
-    bool logIn();
-    bool submit();
-    bool done();
-    bool changePrices();
-    bool placeAuction();
-
-    bool comes(const char *name);
-    bool isAtFirstScreen() const;
-    bool goToFirstScreen();
-    bool clickCell(const char *table, int row);
     void follow();
     void arm(const Situation &situation, const QByteArray &fault);
     void disarm();
@@ -85,8 +62,7 @@ private:
 
     std::unique_ptr<RootWindow> m_window;
     std::unique_ptr<MoodyService> m_service;
-    QTemporaryDir m_folder;
-    QString m_photo;
+    std::unique_ptr<Member> m_member;
 
     QSet<const CHttpTolvex *> m_followed;
     int m_results = 0;
@@ -130,31 +106,29 @@ QString text(const char *latin1)
 
 const QList<tst_FaultMatrix::Situation> &tst_FaultMatrix::situations()
 {
-    using T = tst_FaultMatrix;
+    using M = Member;
     static const QList<Situation> all{
-        {"start", "ValidateLogin", &T::nothing, &T::start, "buttonUpload"},
-        {"start", "GetCategoryList", &T::nothing, &T::start, "buttonUpload", true, "ValidateLogin"},
-        {"start", "GetNotificationOptions", &T::nothing, &T::start, "buttonUpload", true,
+        {"start", "ValidateLogin", &M::stay, &M::start, "buttonUpload"},
+        {"start", "GetCategoryList", &M::stay, &M::start, "buttonUpload", true, "ValidateLogin"},
+        {"start", "GetNotificationOptions", &M::stay, &M::start, "buttonUpload", true,
          "GetCategoryList"},
-        {"start", "GetServiceTerms", &T::nothing, &T::start, "buttonUpload", true,
+        {"start", "GetServiceTerms", &M::stay, &M::start, "buttonUpload", true,
          "GetNotificationOptions"},
-        {"start", "GetCountryList", &T::nothing, &T::start, "buttonUpload", true,
-         "GetServiceTerms"},
-        {"login", "ValidateLogin", &T::toLogin, &T::logIn, "buttonUpload", false},
-        {"home", "GetNotificationOptions", &T::toLogin, &T::logIn, "buttonUpload", false,
+        {"start", "GetCountryList", &M::stay, &M::start, "buttonUpload", true, "GetServiceTerms"},
+        {"login", "ValidateLogin", &M::toLogin, &M::logIn, "buttonUpload", false},
+        {"home", "GetNotificationOptions", &M::toLogin, &M::logIn, "buttonUpload", false,
          "ValidateLogin"},
-        {"home", "GetCategoryList", &T::toLogin, &T::logIn, "buttonUpload", false,
+        {"home", "GetCategoryList", &M::toLogin, &M::logIn, "buttonUpload", false,
          "GetNotificationOptions"},
-        {"account form", "GetServiceTerms", &T::nothing, &T::openAccountForm, "submitButton",
-         false},
-        {"account form", "CreateAccount", &T::toAccountForm, &T::submit, "buttonUpload", false},
-        {"my account", "ModifyAccount", &T::toMyAccount, &T::done, "pushButtonMyAccount"},
-        {"alerts", "SetNotificationOptions", &T::toAlerts, &T::done, "pushButtonMyAccount"},
-        {"my auctions", "GetMyAuctions", &T::nothing, &T::openList, "myAuctionsTable"},
-        {"my auctions", "GetThumbnail", &T::nothing, &T::openList, "myAuctionsTable", true,
+        {"account form", "GetServiceTerms", &M::stay, &M::openAccountForm, "submitButton", false},
+        {"account form", "CreateAccount", &M::toAccountForm, &M::submit, "buttonUpload", false},
+        {"my account", "ModifyAccount", &M::toMyAccount, &M::done, "pushButtonMyAccount"},
+        {"alerts", "SetNotificationOptions", &M::toAlerts, &M::done, "pushButtonMyAccount"},
+        {"my auctions", "GetMyAuctions", &M::stay, &M::openList, "myAuctionsTable"},
+        {"my auctions", "GetThumbnail", &M::stay, &M::openList, "myAuctionsTable", true,
          "GetMyAuctions"},
-        {"price change", "ModifyAuction", &T::toPrices, &T::changePrices, "myAuctionsTable"},
-        {"upload", "CreateAuction", &T::toSummary, &T::placeAuction, "buttonOk"},
+        {"price change", "ModifyAuction", &M::toPrices, &M::changePrices, "myAuctionsTable"},
+        {"upload", "CreateAuction", &M::toSummary, &M::placeAuction, "buttonOk"},
     };
     return all;
 }
@@ -162,10 +136,6 @@ const QList<tst_FaultMatrix::Situation> &tst_FaultMatrix::situations()
 void tst_FaultMatrix::initTestCase()
 {
     QVERIFY(QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)));
-    m_photo = m_folder.filePath(QStringLiteral("photo.png"));
-    QImage image(40, 30, QImage::Format_RGB32);
-    image.fill(QColor(90, 150, 210));
-    QVERIFY(image.save(m_photo));
     constexpr qint64 second = 1000; // ms
     if (!isSample())
         m_deadline.setRemainingTime(qEnvironmentVariableIntValue("KAVLOR_ALL_FAULTS") * second);
@@ -185,6 +155,7 @@ void tst_FaultMatrix::init()
     QPixmapCache::clear();
     m_window = std::make_unique<RootWindow>();
     m_service = std::make_unique<MoodyService>();
+    m_member = std::make_unique<Member>(m_window.get());
     m_followed.clear();
     m_results = m_resultsBefore = 0;
 }
@@ -193,133 +164,6 @@ void tst_FaultMatrix::cleanup()
 {
     m_window.reset();
     m_service.reset();
-}
-
-bool tst_FaultMatrix::comes(const char *name)
-{
-    return waitUntil([&] { return m_window->find(name) && m_window->find(name)->isEnabled(); });
-}
-
-bool tst_FaultMatrix::nothing()
-{
-    return true;
-}
-
-bool tst_FaultMatrix::start()
-{
-    m_window->start();
-    return true;
-}
-
-bool tst_FaultMatrix::toLogin()
-{
-    return m_window->click("loginButton") && m_window->type("lineUsername", text("m1"))
-        && m_window->type("linePassword", text("secret"));
-}
-
-bool tst_FaultMatrix::openAccountForm()
-{
-    return m_window->click("createAccountButton");
-}
-
-bool tst_FaultMatrix::toAccountForm()
-{
-    auto fill = [this](const char *line, const char *value) {
-        return m_window->type(line, text(value));
-    };
-    if (!openAccountForm() || !fill("lineUsername", "m1") || !fill("linePassword", "secret")
-        || !fill("lineEmailaddress", "m1@example.org") || !fill("lineAgain", "m1@example.org"))
-        return false;
-    auto *tabs = m_window->find<QTabWidget>("tabWidget");
-    tabs->setCurrentIndex(1);
-    return comes("checkTerms") && m_window->click("checkTerms");
-}
-
-bool tst_FaultMatrix::toMyAccount()
-{
-    return m_window->click("buttonSettings") && comes("pushButtonMyAccount")
-        && m_window->click("pushButtonMyAccount") && comes("checkBoxEmail")
-        && m_window->click("checkBoxEmail") && m_window->type("lineEmail", text("m2@example.org"));
-}
-
-bool tst_FaultMatrix::toAlerts()
-{
-    return m_window->click("buttonSettings") && comes("pushButtonNotifications")
-        && m_window->click("pushButtonNotifications") && comes("checkBoxOnBid")
-        && m_window->click("checkBoxOnBid");
-}
-
-bool tst_FaultMatrix::openList()
-{
-    return m_window->click("buttonMyKavlor");
-}
-
-bool tst_FaultMatrix::clickCell(const char *name, int row)
-{
-    auto *table = m_window->find<QTableView>(name);
-    const QModelIndex cell = table->model()->index(row, 1);
-    QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(cell).center());
-    return true;
-}
-
-bool tst_FaultMatrix::toPrices()
-{
-    return openList() && comes("myAuctionsTable") && clickCell("myAuctionsTable", 0)
-        && comes("reservedPrice") && m_window->type("reservedPrice", text("45"));
-}
-
-bool tst_FaultMatrix::toSummary()
-{
-    m_window->dialogs.chooseFile(m_photo);
-    return m_window->click("buttonUpload") && comes("photoClicker")
-        && m_window->click("photoClicker") && comes("doneButton")
-        && m_window->type("lineCaption", text("Lake")) && m_window->click("doneButton")
-        && comes("categoriesTable") && clickCell("categoriesTable", 0) && comes("finalizeButton")
-        && m_window->click("finalizeButton") && comes("createAuctionButton");
-}
-
-bool tst_FaultMatrix::logIn()
-{
-    return m_window->click("loginButton");
-}
-
-bool tst_FaultMatrix::submit()
-{
-    return m_window->click("submitButton");
-}
-
-bool tst_FaultMatrix::done()
-{
-    return m_window->click("pushButtonDone");
-}
-
-bool tst_FaultMatrix::changePrices()
-{
-    return m_window->click("done");
-}
-
-bool tst_FaultMatrix::placeAuction()
-{
-    return m_window->click("createAuctionButton");
-}
-
-bool tst_FaultMatrix::isAtFirstScreen() const
-{
-    return m_window->find("buttonUpload") || m_window->find("createAccountButton");
-}
-
-// As a member finds a way out of any screen: by the buttons of the bar.
-bool tst_FaultMatrix::goToFirstScreen()
-{
-    return waitUntil([this] {
-        if (isAtFirstScreen())
-            return true;
-        for (const char *button : {"backNavigationButton", "cancelNavigationButton"}) {
-            if (m_window->click(button))
-                break;
-        }
-        return false;
-    });
 }
 
 // Counts the results of all request objects that there are now.
@@ -442,14 +286,14 @@ void tst_FaultMatrix::goesOnAfterAFault()
         m_service->spoil(situation.operation, *faultOf("empty")); // so that the form asks again
     if (!isStart) {
         m_window->start();
-        QVERIFY(waitUntil([this] { return isAtFirstScreen(); }));
+        QVERIFY(waitUntil([this] { return m_member->isAtFirstScreen(); }));
     }
-    QVERIFY((this->*situation.way)());
+    QVERIFY((m_member.get()->*situation.way)());
     const int before = m_service->count(situation.operation);
     if (m_window->root())
         follow();
     arm(situation, fault);
-    QVERIFY((this->*situation.trigger)());
+    QVERIFY((m_member.get()->*situation.trigger)());
     follow();
     QTRY_VERIFY(isSettled());
     // A thumbnail is asked for as often as it is shown, and what the start did not get, home asks
@@ -460,20 +304,20 @@ void tst_FaultMatrix::goesOnAfterAFault()
 
     if (isStart) {
         // The start may have ended the program, as it has to; the member starts it again.
-        QTRY_VERIFY(!m_window->root()->isVisible() || isAtFirstScreen());
+        QTRY_VERIFY(!m_window->root()->isVisible() || m_member->isAtFirstScreen());
         m_window->end();
         m_window->start();
-        QVERIFY(comes(situation.goal.constData()));
+        QVERIFY(m_member->comes(situation.goal.constData()));
     } else {
-        QVERIFY(goToFirstScreen());
+        QVERIFY(m_member->goToFirstScreen());
         if (!situation.signedIn && m_window->find("buttonUpload")) {
             QVERIFY(m_window->click("cancelNavigationButton")); // signs out
-            QVERIFY(comes("createAccountButton"));
+            QVERIFY(m_member->comes("createAccountButton"));
         }
         QTRY_COMPARE(temporaryFileCount(), filesBefore);
-        QVERIFY((this->*situation.way)());
-        QVERIFY((this->*situation.trigger)());
-        QVERIFY(comes(situation.goal.constData()));
+        QVERIFY((m_member.get()->*situation.way)());
+        QVERIFY((m_member.get()->*situation.trigger)());
+        QVERIFY(m_member->comes(situation.goal.constData()));
     }
     m_window->end();
     QTRY_COMPARE(temporaryFileCount(), filesBefore);
