@@ -66,7 +66,15 @@ public:
         service.startWithoutWaiting();
         dieWithin(100);
     }
-    /** Dies while it is worked, this many milliseconds from now at the latest. */
+    /** Is worked, and dies soon after it has answered this many changes. */
+    void dieAfter(qint64 changes)
+    {
+        const qint64 wanted = load.acknowledged() + changes;
+        load.start();
+        QVERIFY(waitUntil([&] { return load.acknowledged() >= wanted; }));
+        dieWithin(100);
+    }
+    /** Dies this many milliseconds from now at the latest. */
     void dieWithin(int most)
     {
         QThread::msleep(QRandomGenerator::global()->bounded(quint32(most)));
@@ -123,7 +131,7 @@ void tst_ServiceKills::aKillLosesNothingPromised()
     QFETCH(Death, death);
 
     constexpr int startsThatFail = 3;
-    constexpr int longestLife = 800; // ms
+    constexpr int mostChanges = 60;
     const QDeadlineTimer limit(secondsOfARow() * 1000);
     std::unique_ptr<Victim> victim;
     for (int kill = 0; kill < wantedKills() && !limit.hasExpired(); ++kill) {
@@ -136,8 +144,7 @@ void tst_ServiceKills::aKillLosesNothingPromised()
         QVERIFY2(victim->service.start(), victim->service.complaints());
         if (kill % killsOfAFolder == 0)
             QVERIFY(victim->load.prepare());
-        victim->load.start();
-        victim->dieWithin(longestLife);
+        victim->dieAfter(QRandomGenerator::global()->bounded(mostChanges));
         ++m_kills;
         QVERIFY2(victim->service.start(), victim->service.complaints());
         const QStringList faults = victim->load.faults();
