@@ -45,6 +45,7 @@ private slots:
     void aFlickGlidesAndATapStopsIt_data();
     void aFlickGlidesAndATapStopsIt();
     void aTouchThatTremblesIsATap();
+    void aTapIsAPressAndARelease();
     void aTouchThatIsCancelledDoesNothing();
     void aSecondFingerHasNoSay();
     void aDoubleTapPicksOneCategory_data();
@@ -205,6 +206,21 @@ public:
     QTableView *table = nullptr;
 };
 
+// What the mouse events of a widget say is held down after each.
+class HeldButtons : public QObject
+{
+public:
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (event->type() == QEvent::MouseButtonPress
+            || event->type() == QEvent::MouseButtonRelease)
+            afterEach.append(static_cast<QMouseEvent *>(event)->buttons());
+        return QObject::eventFilter(watched, event);
+    }
+
+    QList<Qt::MouseButtons> afterEach;
+};
+
 int position(const QAbstractScrollArea *area)
 {
     return area->verticalScrollBar()->value();
@@ -350,6 +366,16 @@ void tst_FingerScroll::aTouchThatTremblesIsATap()
     finger.lift();
     QCOMPARE(auctions.openCount(), 1);
     QCOMPARE(position(auctions.table), 0);
+}
+
+void tst_FingerScroll::aTapIsAPressAndARelease()
+{
+    Categories categories;
+    QVERIFY(categories.open());
+    HeldButtons held;
+    categories.table->viewport()->installEventFilter(&held);
+    Pointer(Finger, categories.table->viewport()).tap(categories.row(1));
+    QCOMPARE(held.afterEach, (QList<Qt::MouseButtons>{Qt::LeftButton, Qt::NoButton}));
 }
 
 void tst_FingerScroll::aTouchThatIsCancelledDoesNothing()

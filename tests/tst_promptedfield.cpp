@@ -15,9 +15,9 @@ class Line : public QLineEdit
 {
 public:
     Line()
-        : QLineEdit(QStringLiteral("Caption"))
-        , m_field(new PromptedField(this))
     {
+        setText(QStringLiteral("Caption"));
+        m_field = new PromptedField(this);
         connect(this, &QLineEdit::cursorPositionChanged, m_field,
                 [this](int, int position) { m_field->cursorMoved(position); });
         connect(this, &QLineEdit::selectionChanged, m_field, [this] { m_field->cursorMoved(); });
@@ -33,7 +33,7 @@ public:
     }
 
 private:
-    PromptedField *m_field;
+    PromptedField *m_field = nullptr;
 };
 
 } // namespace
@@ -46,6 +46,7 @@ private slots:
     void promptIsNothingEntered();
     void keyWipesThePromptAndStays();
     void aTextPutInByAProgramTakesThePromptsPlace();
+    void aTextThatLeavesTheCursorTakesThePromptsPlace();
     void erasedAgainItIsNotEmpty();
     void whatIsResumedIsNotWiped();
     void pageCursorGoesBehindTheFirstLetter();
@@ -74,6 +75,24 @@ void tst_PromptedField::aTextPutInByAProgramTakesThePromptsPlace()
     Line line;
     line.insert(QStringLiteral("hello"));
     QCOMPARE(line.text(), QStringLiteral("Hello"));
+}
+
+void tst_PromptedField::aTextThatLeavesTheCursorTakesThePromptsPlace()
+{
+    Line line;
+    line.setText(QStringLiteral("fishing")); // has as many letters as the prompt
+    QCOMPARE(line.text(), QStringLiteral("Fishing"));
+    QCOMPARE(line.field().entered(), QStringLiteral("Fishing"));
+
+    QPlainTextEdit page(QStringLiteral("Description"));
+    auto *field = new PromptedField(&page);
+    connect(&page, &QPlainTextEdit::cursorPositionChanged, field,
+            [field] { field->cursorMoved(); });
+    QTextCursor other(page.document());
+    other.movePosition(QTextCursor::End);
+    other.insertText(QStringLiteral("harbour"));
+    QCOMPARE(page.toPlainText(), QStringLiteral("Harbour"));
+    QCOMPARE(field->entered(), QStringLiteral("Harbour"));
 }
 
 void tst_PromptedField::erasedAgainItIsNotEmpty()

@@ -11,6 +11,7 @@
 #include "picturecomparison.h"
 #include "processmemory.h"
 #include "progressivemodel.h"
+#include "roomscale.h"
 #include "rootwindow.h"
 #include "testcase.h"
 #include "testconstants.h"
@@ -375,6 +376,7 @@ private slots:
     void photosStandUprightInAnyWindow_data();
     void photosStandUprightInAnyWindow();
     void aChosenPhotoFollowsTheWindow();
+    void theStripGrowsWithTheWindow();
     void thePromptPictureIsWholeInAnyWindow_data();
     void thePromptPictureIsWholeInAnyWindow();
     void previewIsScaledIntoASquareOfThePreviewsHeight_data();
@@ -858,6 +860,19 @@ void tst_UploadMediaController::aChosenPhotoFollowsTheWindow()
     driver.window.root()->resize(1280, 800);
     QCoreApplication::processEvents();
     QCOMPARE(pictureDifference(driver.window.picture("photoLabel"), before), QString());
+}
+
+void tst_UploadMediaController::theStripGrowsWithTheWindow()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    driver.window.root()->resize(800, 424);
+    const auto *strip = driver.wizard->findChild<QTableView *>(QStringLiteral("progressUpload"));
+    QTRY_COMPARE(RoomScale::of(driver.wizard), 1);
+    const int width = strip->columnWidth(0);
+    driver.window.root()->resize(1920, 1080);
+    QTRY_VERIFY(RoomScale::of(driver.wizard) > 1.3);
+    QCOMPARE(strip->columnWidth(0), qRound(width * RoomScale::of(driver.wizard)));
 }
 
 void tst_UploadMediaController::thePromptPictureIsWholeInAnyWindow_data()
