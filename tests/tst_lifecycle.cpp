@@ -176,6 +176,7 @@ const QList<tst_LifeCycle::Scene> &tst_LifeCycle::scenes()
         {"prices", "CKavlorAuctionCreate", &M::toAuctionPrices},
         {"summary", "CKavlorAuctionConfirm", &M::toSummary, &M::placeAuction, "CreateAuction"},
         {"upload under way", wizard, &M::toSummary, &M::placeAuction, "CreateAuction"},
+        {"long upload", wizard, &M::toSummaryOfClip, &M::placeAuction, "CreateAuction"},
         {"success", "CUploadMediaConfirmation", &M::toSuccess},
     };
     return all;

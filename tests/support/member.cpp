@@ -4,11 +4,15 @@
 
 #include "waituntil.h"
 
+#include <QFile>
 #include <QImage>
 #include <QTabWidget>
 #include <QTableView>
 
 namespace {
+
+// Far above what waits between two sockets.
+constexpr qint64 clipSize = 8LL * 1024 * 1024;
 
 QString text(const char *latin1)
 {
@@ -107,14 +111,27 @@ bool Member::toWizard()
     return m_window->click("buttonUpload") && comes("photoClicker");
 }
 
-bool Member::toDescription()
+QString Member::mediaPath() const
 {
-    const QString photo = m_folder.filePath(QStringLiteral("photo.png"));
+    return m_folder.filePath(m_hasClip ? text("clip.mp4") : text("photo.png"));
+}
+
+bool Member::makeMedia() const
+{
+    if (m_hasClip) {
+        QFile clip(mediaPath());
+        return clip.open(QIODevice::WriteOnly) && clip.resize(clipSize);
+    }
     QImage image(40, 30, QImage::Format_RGB32);
     image.fill(QColor(90, 150, 210));
-    if (!image.save(photo))
+    return image.save(mediaPath());
+}
+
+bool Member::toDescription()
+{
+    if (!makeMedia())
         return false;
-    m_window->dialogs.chooseFile(photo);
+    m_window->dialogs.chooseFile(mediaPath());
     return toWizard() && m_window->click("photoClicker") && comes("doneButton")
         && m_window->type("lineCaption", text("Lake"));
 }
@@ -132,6 +149,12 @@ bool Member::toAuctionPrices()
 bool Member::toSummary()
 {
     return toAuctionPrices() && m_window->click("finalizeButton") && comes("createAuctionButton");
+}
+
+bool Member::toSummaryOfClip()
+{
+    m_hasClip = true;
+    return toSummary();
 }
 
 bool Member::toSuccess()

@@ -38,6 +38,8 @@ public:
     bool toCategories();
     bool toAuctionPrices();
     bool toSummary();
+    /** With a clip of some megabytes, whose upload takes a while. */
+    bool toSummaryOfClip();
     bool toSuccess();
 
     bool logIn();
@@ -54,7 +56,10 @@ public:
 
 private:
     bool clickCell(const char *table, int row);
+    bool makeMedia() const;
+    QString mediaPath() const;
 
     RootWindow *m_window;
-    QTemporaryDir m_folder; // of the photo
+    QTemporaryDir m_folder; // of the photo or clip
+    bool m_hasClip = false;
 };
