@@ -90,6 +90,7 @@ namespace {
 
 constexpr QSize largestBox(800, 424);
 constexpr int touchHeight = 45;
+constexpr int alwaysFits = 100; // letters
 
 // As the styles of most desktops have it.
 class StyleWithIcons : public QProxyStyle
@@ -237,6 +238,10 @@ void tst_MessageBox::checkText(const QMessageBox *box, const QString &text)
 {
     if (box->text() + box->detailedText() != text)
         m_faults.append(QStringLiteral("says \"%1\"").arg(box->text().left(200)));
+    if (box->text().isEmpty())
+        m_faults.append(QStringLiteral("shows nothing of the text"));
+    if (text.size() < alwaysFits && !box->detailedText().isEmpty())
+        m_faults.append(QStringLiteral("hides a short text in its details"));
     if (box->textFormat() != Qt::PlainText)
         m_faults.append(QStringLiteral("not plain text"));
 
