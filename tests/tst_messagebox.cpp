@@ -47,7 +47,7 @@ private slots:
     void aReplyOfManyMegabytesIsShownAtOnce();
     void detailsStayOnTheScreen();
     void growsWithTheWindowThatTells();
-    void buttonsShowTheirTextAlone();
+    void noDesktopsStyleChangesIt();
     void focusIsSeen_data();
     void focusIsSeen();
 
@@ -93,15 +93,17 @@ constexpr int touchHeight = 45;
 constexpr int alwaysFits = 100; // letters
 
 // As the styles of most desktops have it.
-class StyleWithIcons : public QProxyStyle
+class StyleOfADesktop : public QProxyStyle
 {
 public:
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                   QStyleHintReturn *data) const override
     {
-        return hint == SH_DialogButtonBox_ButtonsHaveIcons
-            ? 1
-            : QProxyStyle::styleHint(hint, option, widget, data);
+        if (hint == SH_DialogButtonBox_ButtonsHaveIcons)
+            return 1;
+        if (hint == SH_MessageBox_TextInteractionFlags)
+            return Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard;
+        return QProxyStyle::styleHint(hint, option, widget, data);
     }
 };
 
@@ -611,20 +613,24 @@ void tst_MessageBox::growsWithTheWindowThatTells()
              qPrintable(QStringLiteral("%1, %2").arg(icons.at(0)).arg(icons.at(1))));
 }
 
-void tst_MessageBox::buttonsShowTheirTextAlone()
+void tst_MessageBox::noDesktopsStyleChangesIt()
 {
-    QApplication::setStyle(new StyleWithIcons);
+    QApplication::setStyle(new StyleOfADesktop);
     FrameStage stage;
     QWidget frame(stage.area());
     int icons = -1;
+    bool isTextLeftAlone = false;
     stage.dialogs.beforeNextAnswer([&] {
         icons = 0;
         for (const QAbstractButton *button : openBox()->buttons())
             icons += button->icon().isNull() ? 0 : 1;
+        const auto *label = openBox()->findChild<QLabel *>(QStringLiteral("qt_msgbox_label"));
+        isTextLeftAlone = label->textInteractionFlags() == Qt::NoTextInteraction;
     });
     MessageBox::ask(&frame, QStringLiteral("title"), QStringLiteral("Really?"));
     QApplication::setStyle(new QProxyStyle);
     QCOMPARE(icons, 0);
+    QVERIFY(isTextLeftAlone); // it would take the focus from the buttons
 }
 
 void tst_MessageBox::focusIsSeen_data()
