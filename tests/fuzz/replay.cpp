@@ -2,10 +2,12 @@
 
 // Runs a target over files and over changed copies of them, where the compiler brings no fuzzer:
 // fuzz_<target> -runs=COUNT FILE|FOLDER...
-// It learns nothing from what the target does with them; the changes are the same every time.
+// It learns nothing from what the target does with them; the changes are the same every time. With
+// KAVLOR_FUZZ_SECONDS it goes on beyond COUNT until it has been at it for so long.
 
 #include "fuzztarget.h"
 
+#include <QDeadlineTimer>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
@@ -15,6 +17,8 @@
 #include <random>
 
 namespace {
+
+constexpr qint64 second = 1000; // ms
 
 QStringList filesOf(const QString &path)
 {
@@ -103,13 +107,15 @@ int main(int argc, char *argv[])
     if (contents.isEmpty())
         return EXIT_FAILURE;
 
+    const QDeadlineTimer end(qEnvironmentVariableIntValue("KAVLOR_FUZZ_SECONDS") * second);
     Changes changes;
-    for (int i = 0; i < runs; ++i) {
-        std::printf("change %d\n", i);
+    int done = 0;
+    for (; done < runs || !end.hasExpired(); ++done) {
+        std::printf("change %d\n", done);
         std::fflush(stdout);
         const QByteArray &other = contents.at(changes.below(contents.size()));
         run(changes.changed(contents.at(changes.below(contents.size())), other));
     }
-    std::printf("%d files, %d changes\n", static_cast<int>(contents.size()), runs);
+    std::printf("%d files, %d changes\n", static_cast<int>(contents.size()), done);
     return EXIT_SUCCESS;
 }
