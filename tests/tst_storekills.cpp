@@ -68,7 +68,6 @@ class Store
 public:
     Store()
     {
-        m_environment = QProcessEnvironment::systemEnvironment();
         set("XDG_CONFIG_HOME", m_home.path());
         set("KAVLOR_PLACES_FOLDER", folder());
         set("KAVLOR_PLACES_NOTES", notesFile());
@@ -262,7 +261,7 @@ private:
     }
 
     QTemporaryDir m_home;
-    QProcessEnvironment m_environment;
+    QProcessEnvironment m_environment = QProcessEnvironment::systemEnvironment();
     bool m_isKilled = false;
 };
 

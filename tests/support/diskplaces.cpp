@@ -195,10 +195,9 @@ int opened(const char *path, int flags, Call call)
     return atPlaces(name, inFolder, makes ? NeedsRoom : NeedsNothing, call);
 }
 
-mode_t modeOf(va_list arguments, int flags)
+bool makesFile(int flags)
 {
-    const bool makes = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
-    return makes ? va_arg(arguments, mode_t) : 0;
+    return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
 }
 
 } // namespace
@@ -209,7 +208,7 @@ int open(const char *path, int flags, ...)
 {
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = modeOf(arguments, flags);
+    const mode_t mode = makesFile(flags) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     return opened(path, flags,
                   [=] { return next<int (*)(const char *, int, ...)>("open")(path, flags, mode); });
@@ -219,7 +218,7 @@ int open64(const char *path, int flags, ...)
 {
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = modeOf(arguments, flags);
+    const mode_t mode = makesFile(flags) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     return opened(path, flags, [=] {
         return next<int (*)(const char *, int, ...)>("open64")(path, flags, mode);
@@ -230,7 +229,7 @@ int openat(int folder, const char *path, int flags, ...)
 {
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = modeOf(arguments, flags);
+    const mode_t mode = makesFile(flags) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     return opened(path, flags, [=] {
         return next<int (*)(int, const char *, int, ...)>("openat")(folder, path, flags, mode);
@@ -241,7 +240,7 @@ int openat64(int folder, const char *path, int flags, ...)
 {
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = modeOf(arguments, flags);
+    const mode_t mode = makesFile(flags) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     return opened(path, flags, [=] {
         return next<int (*)(int, const char *, int, ...)>("openat64")(folder, path, flags, mode);

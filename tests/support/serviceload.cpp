@@ -227,10 +227,10 @@ QStringList ServiceLoad::faults()
           [](qint64 number) {
               return QByteArray::number(100 + number) + ' ' + QByteArray::number(200 + number);
           });
-    // Each bid with the mail that tells the seller of it.
+    // Each bid with the mail that tells the seller of it; of many mails only the last are kept.
     check(m_bids,
           QStringLiteral("SELECT coalesce(max(amount), %2) || ' ' || count(*) || ' ' ||"
-                         " (SELECT count(*) FROM mails) FROM bids WHERE auction = %1")
+                         " (SELECT coalesce(max(id), 0) FROM mails) FROM bids WHERE auction = %1")
               .arg(m_bidOn)
               .arg(startPrice),
           [](qint64 number) {
