@@ -4,6 +4,7 @@
 #include "leaveframe.h"
 #include "member.h"
 #include "moodyservice.h"
+#include "quietplatform.h"
 #include "resultlog.h"
 #include "rootwindow.h"
 #include "testcase.h"
@@ -105,6 +106,7 @@ private:
     bool isOver(Moment moment) const;
     bool startsAnew();
 
+    std::unique_ptr<QuietPlatform> m_quiet;
     std::unique_ptr<RootWindow> m_window;
     std::unique_ptr<MoodyService> m_service;
     std::unique_ptr<Member> m_member;
@@ -189,11 +191,13 @@ void tst_LifeCycle::initTestCase()
     if (!isSample())
         m_deadline.setRemainingTime(qEnvironmentVariableIntValue("KAVLOR_ALL_ENDS") * second);
     qApp->installEventFilter(this);
+    m_quiet = std::make_unique<QuietPlatform>();
 }
 
 void tst_LifeCycle::cleanupTestCase()
 {
     qApp->removeEventFilter(this);
+    m_quiet.reset();
     qInfo("%d of %d ends tried", static_cast<int>(m_tried), static_cast<int>(m_cases));
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "processmemory.h"
+#include "quietplatform.h"
 #include "randomwalk.h"
 #include "testcase.h"
 #include "testmain.h"
@@ -44,6 +45,7 @@ private:
     void measure();
     QList<QByteArray> missing() const;
 
+    std::unique_ptr<QuietPlatform> m_quiet;
     QTemporaryDir m_folder;
     QHash<QByteArray, int> m_requests;
     QDeadlineTimer m_deadline = QDeadlineTimer(QDeadlineTimer::Forever);
@@ -61,15 +63,6 @@ constexpr int earlyWalks = 200;
 constexpr int lateWalks = 2000;
 constexpr int measuredWalks = 20; // before each of the two
 
-QtMessageHandler sayToTheTest = nullptr;
-
-// What the platform cannot do it says at every resize.
-void sayOtherThanThePlatform(QtMsgType type, const QMessageLogContext &context, const QString &text)
-{
-    if (!text.startsWith(QLatin1String("This plugin does not support")))
-        sayToTheTest(type, context, text);
-}
-
 } // namespace
 
 void tst_Walks::initTestCase()
@@ -77,7 +70,7 @@ void tst_Walks::initTestCase()
     QVERIFY(QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)));
     QVERIFY(RandomWalk::makeFiles(m_folder.path()));
     QDesktopServices::setUrlHandler(QStringLiteral("http"), this, "openNothing");
-    sayToTheTest = qInstallMessageHandler(sayOtherThanThePlatform);
+    m_quiet = std::make_unique<QuietPlatform>();
     constexpr qint64 second = 1000; // ms
     if (qEnvironmentVariableIsSet("KAVLOR_WALKS_SECONDS"))
         m_deadline.setRemainingTime(qEnvironmentVariableIntValue("KAVLOR_WALKS_SECONDS") * second);
@@ -85,7 +78,7 @@ void tst_Walks::initTestCase()
 
 void tst_Walks::cleanupTestCase()
 {
-    qInstallMessageHandler(sayToTheTest);
+    m_quiet.reset();
     QDesktopServices::unsetUrlHandler(QStringLiteral("http"));
     int requests = 0;
     for (const int count : std::as_const(m_requests))
