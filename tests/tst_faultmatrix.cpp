@@ -80,7 +80,6 @@ constexpr int sampleSize = 60;
 
 // Faults on the way to the service, which none of its replies can make.
 const QByteArray refused = "refused";
-const QByteArray noSuchHost = "no such host";
 const QByteArray daemonGoneBefore = "the daemon gone before";
 const QByteArray daemonGoneMeanwhile = "the daemon gone meanwhile";
 
