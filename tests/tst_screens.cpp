@@ -231,7 +231,9 @@ bool tst_Screens::toStart(RootWindow &window)
 {
     window.service.expectHeld("GetServiceTerms", "terms");
     window.start();
-    return window.find("progressMessage") != nullptr;
+    // Its first request changes what it says.
+    return waitUntil([&] { return !window.service.operations().isEmpty(); })
+        && window.find("progressMessage") != nullptr;
 }
 
 bool tst_Screens::toWelcome(RootWindow &window)
