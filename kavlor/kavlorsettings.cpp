@@ -52,7 +52,6 @@ void CKavlorSettings::closeChild()
     m_openChild = NoChild;
     if (!m_child)
         return;
-    m_child->disconnect(this);
     leaveFrame(m_child);
     m_child.clear();
 }

@@ -34,6 +34,8 @@ private slots:
     void backGoesBackOnePage_data();
     void backGoesBackOnePage();
     void aTripleTapIsOneTap();
+    void aSecondTapAnywhereElseCounts_data();
+    void aSecondTapAnywhereElseCounts();
     void slowTapsAllCount();
     void whatComesUpUnderTheFingerIsNotTapped();
     void aBoxUnderTheFingerIsNotAnswered();
@@ -172,6 +174,28 @@ void tst_DoubleTapGuard::aTripleTapIsOneTap()
     QVERIFY(openWizard(window));
     tap(window.root(), placeOf(window.find("cancelNavigationButton")), TwoPresses, 3);
     QVERIFY(window.shown<KavlorKnownUser>());
+}
+
+void tst_DoubleTapGuard::aSecondTapAnywhereElseCounts_data()
+{
+    QTest::addColumn<int>("way");
+    QTest::addColumn<bool>("signsOut");
+    QTest::newRow("on the same spot") << 40 << false;
+    QTest::newRow("beside it") << 41 << true;
+}
+
+void tst_DoubleTapGuard::aSecondTapAnywhereElseCounts()
+{
+    QFETCH(const int, way); // pixels
+    QFETCH(const bool, signsOut);
+
+    RootWindow window;
+    QVERIFY(openWizard(window));
+    const QPoint place = placeOf(window.find("cancelNavigationButton")) - QPoint(way / 2, 0);
+    tap(window.root(), place, TwoPresses, oneTap);
+    goOnAtOnce();
+    tap(window.root(), place + QPoint(way, 0), TwoPresses, oneTap);
+    QCOMPARE(window.shown<FrameWelcomeKavlor>() != nullptr, signsOut);
 }
 
 void tst_DoubleTapGuard::slowTapsAllCount()

@@ -52,6 +52,8 @@ private slots:
     void initTestCase();
     void cleanupTestCase();
 
+    void hungServerIsGivenUp_data();
+    void hungServerIsGivenUp(); // first, since only the first read shares its time with the opening
     void thereIsOneReader();
     void everyType_data();
     void everyType();
@@ -65,7 +67,6 @@ private slots:
     void valueIsReadAnewEachTime();
     void functionsResolveByName();
     void withoutTheLibraryThereIsNoReader();
-    void hungServerIsGivenUp();
     void withoutAServerNothingIsRead();
 
 private:
@@ -274,10 +275,20 @@ void tst_GConfBackend::withoutTheLibraryThereIsNoReader()
     QCOMPARE(probeWithLibraries(folder.path()), QByteArray("no gconf\nready\n"));
 }
 
+void tst_GConfBackend::hungServerIsGivenUp_data()
+{
+    QTest::addColumn<bool>("wasRead");
+    QTest::newRow("at the first read") << false;
+    QTest::newRow("later") << true;
+}
+
 void tst_GConfBackend::hungServerIsGivenUp()
 {
+    QFETCH(const bool, wasRead);
     QVERIFY(store({QStringLiteral("int"), QStringLiteral("5")}));
-    QCOMPARE(read(), QVariant(5));
+    QVERIFY(CGConfBackend::instance());
+    if (wasRead)
+        QCOMPARE(read(), QVariant(5));
     const QDBusReply<uint> server =
         QDBusConnection::sessionBus().interface()->servicePid(QStringLiteral("org.gnome.GConf"));
     QVERIFY2(server.isValid(), qPrintable(server.error().message()));
