@@ -164,7 +164,7 @@ void Bench::measureBusyPictures()
         });
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
-    out << "64 thumbnails in flight: the slowest of 50 other requests " << slowestAnswer(50)
+    out << "- 64 thumbnails in flight: the slowest of 50 other requests " << slowestAnswer(50)
         << " ms\n";
     isOver = true;
     for (std::thread &client : clients)
@@ -195,7 +195,7 @@ void Bench::measureIdleClients()
         slowest = std::max(slowest, slowestAnswer(1));
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
     }
-    out << "1,000 idle clients and 50 that drip a byte every 20 s: the slowest of " << asked
+    out << "- 1,000 idle clients and 50 that drip a byte every 20 s: the slowest of " << asked
         << " other requests " << slowest << " ms\n";
     out.flush();
 }
@@ -219,7 +219,7 @@ void Bench::measureUploads()
     }
     for (std::thread &client : clients)
         client.join();
-    out << "64 uploads of 5 MB at once: " << answered.load() << " stored in " << timer.elapsed()
+    out << "- 64 uploads of 5 MB at once: " << answered.load() << " stored in " << timer.elapsed()
         << " ms\n";
     out.flush();
 }
@@ -240,7 +240,7 @@ void Bench::measureMemory()
         for (int piece = 0; goesOn && piece < 48; ++piece)
             goesOn = connection.send(QByteArray(131072, 'x'));
     }
-    out << "most memory ever held: " << peakMemory() << " MB\n";
+    out << "- most memory ever held: " << peakMemory() << " MB\n";
     out.flush();
 }
 
@@ -253,7 +253,7 @@ void Bench::measureEnd()
     QElapsedTimer timer;
     timer.start();
     const int code = m_service.terminate();
-    out << "SIGTERM with 1,000 idle clients: ended with " << code << " after " << timer.elapsed()
+    out << "- SIGTERM with 1,000 idle clients: ended with " << code << " after " << timer.elapsed()
         << " ms\n";
     out.flush();
 }

@@ -88,10 +88,16 @@ void DialogAnswers::answer(QObject *dialog)
         QAbstractButton *button = box->defaultButton();
         if (!button && !box->buttons().isEmpty())
             button = box->buttons().constFirst();
-        if (button)
-            QTest::mouseClick(button, Qt::LeftButton);
-        else
+        if (!button) {
             box->close();
+            return;
+        }
+        const QPointer<QMessageBox> open(box);
+        QTest::mouseClick(button, Qt::LeftButton);
+        // Where the click that opened the box was at the same place, this one counts as the second
+        // half of a double tap, which the program drops.
+        if (open && open->isVisible())
+            QTest::mouseClick(button, Qt::LeftButton);
         return;
     }
 
