@@ -10,6 +10,7 @@
 #include "uploadmediacontroller.h"
 
 #include <QLabel>
+#include <QLineEdit>
 #include <QPixmapCache>
 #include <QPushButton>
 #include <QScrollBar>
@@ -135,6 +136,7 @@ private slots:
     void rowsAreOfOneHeightAndCostNoPainting();
     void layoutCostsTheSameForALongList();
     void theRootsNewCategoriesStartThePageAgain();
+    void theCategoriesHaveTheFocusFirst();
     void keysReachTheControlsInReadingOrder();
     void keysAloneWillDo();
 };
@@ -457,6 +459,20 @@ void tst_KavlorAuctionCategorize::theRootsNewCategoriesStartThePageAgain()
     emit window.root()->CategoriesDone();
     QCOMPARE(driver.shown(), QList<int>{3});
     QCOMPARE(driver.path(), QStringLiteral("None"));
+}
+
+void tst_KavlorAuctionCategorize::theCategoriesHaveTheFocusFirst()
+{
+    QWidget window;
+    QLineEdit before(&window);
+    Page page(nullptr, 10, false);
+    page.setParent(&window);
+    page.hide();
+    window.show();
+    before.setFocus();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    page.show();
+    QCOMPARE(window.focusWidget(), page.findChild<QTableView *>(QStringLiteral("categoriesTable")));
 }
 
 void tst_KavlorAuctionCategorize::keysReachTheControlsInReadingOrder()

@@ -442,6 +442,7 @@ private slots:
     void nothingIsLeftToTakeUp_data();
     void nothingIsLeftToTakeUp();
     void aPhotoThatIsGoneSaysSo();
+    void aPhotoThatIsSpoiltMeanwhileSaysSo();
     void aPhotoThatCannotBeLoadedLeavesTheDraft();
     void anUntouchedFieldOfADraftShowsItsPrompt();
     void aReplyDuringAMessageIsSafe();
@@ -1990,6 +1991,27 @@ void tst_UploadMediaController::aPhotoThatIsGoneSaysSo()
     // A card that is put in again brings it back.
     QVERIFY(QFile::rename(photo + QStringLiteral(".away"), photo));
     QVERIFY(driver.takeUp());
+}
+
+void tst_UploadMediaController::aPhotoThatIsSpoiltMeanwhileSaysSo()
+{
+    WizardDriver driver;
+    QVERIFY(driver.open());
+    QVERIFY(driver.describe(QStringLiteral("a")));
+    const QString caption = driver.caption();
+    QVERIFY(driver.window.click("cancelNavigationButton"));
+    QVERIFY(driver.reopen());
+    const QString photo = driver.window.folder.filePath(QStringLiteral("photo.png"));
+    const QString whole = photo + QStringLiteral(".whole");
+    QVERIFY(QFile::rename(photo, whole));
+    QVERIFY(QFile::rename(driver.makeFile(QStringLiteral("broken.png")), photo));
+    QVERIFY(driver.window.click("takeUpButton"));
+    QCOMPARE(driver.window.dialogs.boxes().size(), 1);
+    QVERIFY(!driver.part<QFrame>("descriptionFrame")->isEnabled());
+    // Nothing is lost of what was told of it.
+    QVERIFY(QFile::remove(photo) && QFile::rename(whole, photo));
+    QVERIFY(driver.takeUp());
+    QCOMPARE(driver.caption(), caption);
 }
 
 void tst_UploadMediaController::aPhotoThatCannotBeLoadedLeavesTheDraft()
