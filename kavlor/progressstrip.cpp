@@ -54,19 +54,21 @@ void ProgressStrip::fitCells()
     updateGeometry();
 }
 
-void ProgressStrip::paintEvent(QPaintEvent *event)
+// Not by the toolkit's delegate, which puts each picture into the pixmap cache anew, every time
+// that it is painted; the cells of the lists and the thumbnails would be pushed out of it.
+void ProgressStrip::paintEvent(QPaintEvent *)
 {
-    if (m_scale == 1 || !model()) {
-        QTableView::paintEvent(event);
+    if (!model())
         return;
-    }
     QPainter painter(viewport());
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, m_scale != 1);
     for (int column = 0; column < model()->columnCount(); ++column) {
         const QModelIndex cell = model()->index(0, column);
         const auto picture = cell.data(Qt::DecorationRole).value<QImage>();
         QRectF place({}, picture.size() * m_scale);
         place.moveCenter(QRectF(visualRect(cell)).center());
+        if (m_scale == 1)
+            place.moveTopLeft(place.topLeft().toPoint());
         painter.drawImage(place, picture);
     }
 }

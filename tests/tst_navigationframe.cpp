@@ -5,6 +5,7 @@
 #include "testmain.h"
 
 #include <QLabel>
+#include <QPixmapCache>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTableView>
@@ -20,6 +21,7 @@ private slots:
     void theStripHasThreeCellsAndStartsInTheFirst();
     void theStripIsShownAndHidden();
     void theStripIsRepaintedAtEachStep();
+    void theStripLeavesThePixmapCacheToOthers();
     void theStripIsJustLargeEnough();
     void hasTheLogo();
 };
@@ -124,6 +126,25 @@ void tst_NavigationFrame::theStripIsRepaintedAtEachStep()
     QTRY_VERIFY(steps.count() >= 3);
     bar.progressAnimation(false, 1, 0);
     QVERIFY(paints.count() >= steps.count());
+}
+
+void tst_NavigationFrame::theStripLeavesThePixmapCacheToOthers()
+{
+    NavigationFrame bar(nullptr, false, true);
+    bar.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&bar));
+    const int limit = QPixmapCache::cacheLimit();
+    QPixmapCache::clear();
+    QPixmapCache::setCacheLimit(100); // KiB
+    const QString key = QStringLiteral("a thumbnail");
+    QPixmapCache::insert(key, QPixmap(8, 8));
+    constexpr int steps = 200;
+    for (int step = 0; step < steps; ++step)
+        child<QTableView>(bar, "progressBar")->viewport()->repaint();
+    QPixmap found;
+    const bool isThere = QPixmapCache::find(key, &found);
+    QPixmapCache::setCacheLimit(limit);
+    QVERIFY(isThere);
 }
 
 void tst_NavigationFrame::theStripIsJustLargeEnough()

@@ -36,7 +36,7 @@
 namespace {
 
 constexpr int stepCount = 80;
-constexpr int never = 10 * patience;  // ms
+constexpr int never = patience / 4;   // ms, and no longer: a timer is kept until its time
 constexpr int shortTime = 5;          // ms
 constexpr int longestSettling = 2000; // ms, after which the walk goes on all the same
 
