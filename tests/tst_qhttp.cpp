@@ -119,6 +119,8 @@ private slots:
     void unknownCertificateIsAnError();
     void noSecureServiceIsAnError();
     void proxyOfTheSystemIsUsed();
+    void anAnswerAboutTheProxyIsGoodForAWhile_data();
+    void anAnswerAboutTheProxyIsGoodForAWhile();
     void endlessReplyStopsWithItsRequest();
     void sinkMayBeDeletedMeanwhile();
     void ownerMayDeleteItWhenDone();
@@ -901,6 +903,37 @@ void tst_QHttp::noSecureServiceIsAnError()
     QTRY_COMPARE(m_done->size(), 1);
     QCOMPARE(m_done->constFirst(), QVariantList{true});
     QCOMPARE(m_http->errorString(), QStringLiteral("The connection to the service is not secure."));
+}
+
+void tst_QHttp::anAnswerAboutTheProxyIsGoodForAWhile_data()
+{
+    QTest::addColumn<int>("goodFor"); // ms
+    QTest::addColumn<QString>("host");
+    QTest::newRow("over") << 0 << QStringLiteral("no-such-host.invalid");
+    QTest::newRow("not over") << 3600000 << QStringLiteral("nor-this-one.invalid");
+}
+
+void tst_QHttp::anAnswerAboutTheProxyIsGoodForAWhile()
+{
+    QFETCH(const int, goodFor);
+    QFETCH(const QString, host);
+
+    testTimeConstants().proxyAnswer = goodFor;
+    m_http->setHost(host);
+    ScriptedService::Step step;
+    step.bytes = ScriptedService::reply("ok");
+    m_service->expect(step);
+    if (goodFor > 0)
+        m_service->expect(step);
+    qputenv("HTTP_PROXY", "http://" + m_service->host().toLatin1());
+    const auto restore = qScopeGuard([] { qunsetenv("HTTP_PROXY"); });
+    post();
+    QTRY_COMPARE(m_done->size(), 1);
+    QCOMPARE(m_done->constLast(), QVariantList{false});
+    qunsetenv("HTTP_PROXY");
+    post();
+    QTRY_COMPARE(m_done->size(), 2);
+    QCOMPARE(m_done->constLast(), QVariantList{goodFor == 0});
 }
 
 void tst_QHttp::proxyOfTheSystemIsUsed()

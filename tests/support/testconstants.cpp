@@ -30,6 +30,7 @@ void resetTestConstants()
     setServiceHost(QStringLiteral("127.0.0.1:9"));
     testTimeConstants() = TimeConstants();
     testTimeConstants().startUpMinimum = 100;
+    testTimeConstants().proxyAnswer = 0; // good for no other test
 }
 
 QString serviceHost()
