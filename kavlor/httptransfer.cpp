@@ -105,6 +105,8 @@ void HttpTransfer::setOptions(const QUrl &url, const QByteArray &method)
     set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     set(CURLOPT_HTTPHEADER, m_fields);
     set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(timeConstants().reachWait));
+    constexpr long second = 1000; // ms
+    set(CURLOPT_DNS_CACHE_TIMEOUT, timeConstants().nameAnswer / second);
 
     // Where a connection that was kept turns out to be closed, the request would be sent again.
     set(CURLOPT_FRESH_CONNECT, 1L);

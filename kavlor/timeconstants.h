@@ -19,6 +19,7 @@ struct TimeConstants
     int formTimeout = 10000;     ///< for the reply to a form request
     int uploadTimeout = 1800000; ///< for the reply to an upload
     int proxyAnswer = 1000;      ///< an answer of the system about its proxy is good for this long
+    int nameAnswer = 60000;      ///< an answer of the system about a host name, as well
     int rotationDelay = 50;      ///< before a preview is turned
     int categoryDelay = 50;      ///< before a chosen category is handed on
     int stateAnswerWait = 2000;  ///< of the connectionWait, for the daemon to tell its state

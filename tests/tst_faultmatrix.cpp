@@ -2,6 +2,7 @@
 
 #include "member.h"
 #include "moodyservice.h"
+#include "namelookup.h"
 #include "resultlog.h"
 #include "rootwindow.h"
 #include "testcase.h"
@@ -63,6 +64,7 @@ private:
     std::unique_ptr<RootWindow> m_window;
     std::unique_ptr<MoodyService> m_service;
     std::unique_ptr<Member> m_member;
+    std::unique_ptr<NameLookup> m_names; // none = the system's own answers
 
     QSet<const CHttpTolvex *> m_followed;
     int m_results = 0;
@@ -80,6 +82,7 @@ constexpr int sampleSize = 60;
 
 // Faults on the way to the service, which none of its replies can make.
 const QByteArray refused = "refused";
+const QByteArray unresolvable = "unresolvable";
 const QByteArray daemonGoneBefore = "the daemon gone before";
 const QByteArray daemonGoneMeanwhile = "the daemon gone meanwhile";
 
@@ -154,6 +157,7 @@ void tst_FaultMatrix::init()
     QPixmapCache::clear();
     m_window = std::make_unique<RootWindow>();
     m_service = std::make_unique<MoodyService>();
+    m_service->setName(QStringLiteral("kavlor.test"));
     m_member = std::make_unique<Member>(m_window.get());
     m_followed.clear();
     m_results = m_resultsBefore = 0;
@@ -163,6 +167,7 @@ void tst_FaultMatrix::cleanup()
 {
     m_window.reset();
     m_service.reset();
+    m_names.reset();
 }
 
 // Counts the results of all request objects that there are now.
@@ -214,6 +219,8 @@ void tst_FaultMatrix::arm(const Situation &situation, const QByteArray &name)
         m_service->spoil(situation.operation, *fault);
     if (name == refused)
         m_service->stopListening();
+    if (name == unresolvable)
+        m_names = std::make_unique<NameLookup>(NameLookup::Unknown);
     if (name == daemonGoneBefore || name == daemonGoneMeanwhile) {
         testTimeConstants().connectionWait = shortTimeout;
         testTimeConstants().stateAnswerWait = shortTimeout;
@@ -229,6 +236,7 @@ void tst_FaultMatrix::disarm()
     testTimeConstants().uploadTimeout = longTimeout;
     m_service->dropConnections();
     m_service->listenAgain();
+    m_names.reset();
     m_window->connector.reportState(OnlineConnector::Connected);
 }
 
@@ -242,14 +250,15 @@ void tst_FaultMatrix::goesOnAfterAFault_data()
     QTest::addColumn<int>("number");
     QTest::addColumn<QByteArray>("fault");
 
-    QList<QByteArray> names{refused, daemonGoneBefore, daemonGoneMeanwhile};
+    QList<QByteArray> names{refused, unresolvable, daemonGoneBefore, daemonGoneMeanwhile};
     for (const MoodyService::Fault &fault : MoodyService::faults())
         names.append(fault.name);
     QList<QPair<int, QByteArray>> cells;
     for (int number = 0; number < situations().size(); ++number) {
         for (const QByteArray &name : std::as_const(names)) {
             // Only what a member does himself can be preceded by those.
-            const bool onTheWay = name == refused || name == daemonGoneBefore;
+            const bool onTheWay =
+                name == refused || name == unresolvable || name == daemonGoneBefore;
             if (!onTheWay || situations().at(number).previous.isEmpty())
                 cells.append({number, name});
         }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "endlessservice.h"
-#include "heldnames.h"
+#include "namelookup.h"
 #include "processmemory.h"
 #include "qhttp.h"
 #include "qhttprequestheader.h"
@@ -121,6 +121,8 @@ private slots:
     void proxyOfTheSystemIsUsed();
     void anAnswerAboutTheProxyIsGoodForAWhile_data();
     void anAnswerAboutTheProxyIsGoodForAWhile();
+    void anAnswerAboutANameIsGoodForAWhile_data();
+    void anAnswerAboutANameIsGoodForAWhile();
     void endlessReplyStopsWithItsRequest();
     void sinkMayBeDeletedMeanwhile();
     void ownerMayDeleteItWhenDone();
@@ -842,16 +844,16 @@ void tst_QHttp::unknownHostIsAnError()
 // know.
 void tst_QHttp::lookingUpANameHoldsNothingUp()
 {
-    const HeldNames names;
+    const NameLookup names(NameLookup::Held);
     m_http->setHost(QStringLiteral("no-such-host.invalid"));
     post();
-    QTRY_VERIFY(names.isWaitedFor());
+    QTRY_VERIFY(NameLookup::isWaitedFor());
     m_http->abort();
     QTRY_COMPARE(m_done->size(), 1);
-    QVERIFY(names.isWaitedFor());
+    QVERIFY(NameLookup::isWaitedFor());
     post();
     m_http.reset();
-    QVERIFY(names.isWaitedFor());
+    QVERIFY(NameLookup::isWaitedFor());
 }
 
 void tst_QHttp::serviceThatTakesNoConnectionIsAnError()
@@ -951,6 +953,35 @@ void tst_QHttp::proxyOfTheSystemIsUsed()
     QCOMPARE(request.requestLine,
              QByteArray("POST http://no-such-host.invalid/tolvex/Echo/ HTTP/1.1"));
     QCOMPARE(request.header("Proxy-Connection"), QByteArray());
+}
+
+void tst_QHttp::anAnswerAboutANameIsGoodForAWhile_data()
+{
+    QTest::addColumn<int>("goodFor"); // ms
+    QTest::addColumn<QString>("host");
+    QTest::newRow("over") << 0 << QStringLiteral("over.test");
+    QTest::newRow("not over") << 3600000 << QStringLiteral("not-over.test");
+}
+
+void tst_QHttp::anAnswerAboutANameIsGoodForAWhile()
+{
+    QFETCH(const int, goodFor);
+    QFETCH(const QString, host);
+
+    testTimeConstants().nameAnswer = goodFor;
+    m_http->setHost(host, QHttp::ConnectionModeHttp, m_service->port());
+    ScriptedService::Step step;
+    step.bytes = ScriptedService::reply("ok");
+    m_service->expect(step);
+    if (goodFor > 0)
+        m_service->expect(step);
+    post();
+    QTRY_COMPARE(m_done->size(), 1);
+    QCOMPARE(m_done->constLast(), QVariantList{false});
+    const NameLookup names(NameLookup::Unknown);
+    post();
+    QTRY_COMPARE(m_done->size(), 2);
+    QCOMPARE(m_done->constLast(), QVariantList{goodFor == 0});
 }
 
 void tst_QHttp::endlessReplyStopsWithItsRequest()

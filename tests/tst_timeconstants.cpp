@@ -27,6 +27,7 @@ void tst_TimeConstants::programWaitsForTheseTimes()
     QCOMPARE(times.formTimeout, 10000);
     QCOMPARE(times.uploadTimeout, 1800000);
     QCOMPARE(times.proxyAnswer, 1000);
+    QCOMPARE(times.nameAnswer, 60000);
     QCOMPARE(times.rotationDelay, 50);
     QCOMPARE(times.categoryDelay, 50);
     QCOMPARE(times.handOverWait, 2000);

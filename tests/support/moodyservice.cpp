@@ -198,7 +198,7 @@ MoodyService::MoodyService(QObject *parent)
     connect(&m_server, &QTcpServer::newConnection, this, &MoodyService::accept);
     m_server.listen(QHostAddress::LocalHost);
     m_port = m_server.serverPort();
-    setServiceHost(QStringLiteral("127.0.0.1:%1").arg(m_port));
+    setName(QStringLiteral("127.0.0.1"));
 }
 
 MoodyService::~MoodyService()
@@ -220,6 +220,11 @@ const QList<MoodyService::Fault> &MoodyService::faults()
 QList<QByteArray> MoodyService::operations()
 {
     return goodBodies().keys();
+}
+
+void MoodyService::setName(const QString &name) const
+{
+    setServiceHost(QStringLiteral("%1:%2").arg(name).arg(m_port));
 }
 
 void MoodyService::spoil(const QByteArray &operation, const Fault &fault)

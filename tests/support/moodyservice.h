@@ -41,6 +41,8 @@ public:
     /** The operations that it knows, in the order of their names. */
     static QList<QByteArray> operations();
 
+    /** serviceHost() is @p name from now on, which leads to this machine. */
+    void setName(const QString &name) const;
     /** The next request for @p operation meets @p fault. */
     void spoil(const QByteArray &operation, const Fault &fault);
     /** True until the request came that was to be spoilt. */

@@ -31,6 +31,7 @@ void resetTestConstants()
     testTimeConstants() = TimeConstants();
     testTimeConstants().startUpMinimum = 100;
     testTimeConstants().proxyAnswer = 0; // good for no other test
+    testTimeConstants().nameAnswer = 0;
 }
 
 QString serviceHost()
