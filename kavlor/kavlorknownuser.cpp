@@ -6,6 +6,7 @@
 #include "retranslation.h"
 #include "roomscale.h"
 #include "rootviewcontroller.h"
+#include "sharedicon.h"
 #include "startfocus.h"
 #include "ui_kavlorknownuser.h"
 
@@ -16,6 +17,9 @@ KavlorKnownUser::KavlorKnownUser(const QString &userName, const QString &passwor
     , m_ui(std::make_unique<Ui::KavlorKnownUser>())
 {
     m_ui->setupUi(this);
+    m_ui->buttonUpload->setIcon(sharedIcon(QStringLiteral(":/UploadIcon.png")));
+    m_ui->buttonMyKavlor->setIcon(sharedIcon(QStringLiteral(":/myKavlor.png")));
+    m_ui->buttonSettings->setIcon(sharedIcon(QStringLiteral(":/MySettingsIcon.png")));
     new Retranslation(this, [this] { m_ui->retranslateUi(this); });
     auto *scale = new RoomScale(this, QSize(1120, 380));
     scale->setPicture(m_ui->labelUserIcon, QStringLiteral(":/UserIcon.png"), 128);

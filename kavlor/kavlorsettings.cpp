@@ -10,6 +10,7 @@
 #include "retranslation.h"
 #include "roomscale.h"
 #include "rootviewcontroller.h"
+#include "sharedicon.h"
 #include "startfocus.h"
 #include "ui_kavlorsettings.h"
 
@@ -22,6 +23,8 @@ CKavlorSettings::CKavlorSettings(CKavlorUser *user, CKavlorNotificationOptions *
     , m_user(user)
 {
     m_ui->setupUi(this);
+    m_ui->pushButtonMyAccount->setIcon(sharedIcon(QStringLiteral(":/MyAccountIcon.png")));
+    m_ui->pushButtonNotifications->setIcon(sharedIcon(QStringLiteral(":/NotificationIcon.png")));
     new Retranslation(this, [this] { m_ui->retranslateUi(this); });
     new RoomScale(this, QSize(1040, 480));
     new StartFocus(this, m_ui->pushButtonMyAccount);

@@ -4,6 +4,7 @@
 #include "kavlorknownuser.h"
 #include "pixels.h"
 #include "rootwindow.h"
+#include "smallpixmapcache.h"
 #include "testcase.h"
 #include "testmain.h"
 
@@ -21,6 +22,7 @@ private slots:
     void showsTheMember();
     void buttonsShowTheWays_data();
     void buttonsShowTheWays();
+    void iconsAreReadOnce();
     void signOutForgetsWhoIsSignedInAndKeepsTheRecord();
     void doubleClickOnSignOutLeavesOneWelcomeFrame();
     void signOutFetchesAfreshAtTheNextLogin();
@@ -79,6 +81,17 @@ void tst_KavlorKnownUser::buttonsShowTheWays()
     QVERIFY(isNear(shown.pixelColor(middle, 0), border));
     QVERIFY(isNear(shown.pixelColor(middle, 1), border));
     QVERIFY(!isNear(shown.pixelColor(middle, 2), border));
+}
+
+// However often the member comes home, the thumbnails keep their room.
+void tst_KavlorKnownUser::iconsAreReadOnce()
+{
+    const SmallPixmapCache cache(400);
+    auto *mainView = m_window->root()->findChild<QWidget *>(QStringLiteral("mainView"));
+    constexpr int visits = 60;
+    for (int visit = 0; visit < visits; ++visit)
+        KavlorKnownUser(QStringLiteral("m1"), QStringLiteral("secret"), mainView).grab();
+    QVERIFY(cache.isLeftToOthers());
 }
 
 void tst_KavlorKnownUser::signOutForgetsWhoIsSignedInAndKeepsTheRecord()

@@ -6,6 +6,7 @@
 #include "kavlorsettings.h"
 #include "modifyaccountcontroller.h"
 #include "notificationscontroller.h"
+#include "smallpixmapcache.h"
 #include "testcase.h"
 #include "testmain.h"
 
@@ -64,6 +65,7 @@ class tst_KavlorSettings : public TestCase
 
 private slots:
     void menuIsAsLaidDown();
+    void iconsAreReadOnce();
     void fitsTheSmallestWindowAndGrows();
     void buttonsWorkByKeys();
     void myAccountTakesThePlaceOfTheMenu();
@@ -94,6 +96,15 @@ void tst_KavlorSettings::menuIsAsLaidDown()
     QCOMPARE(nameless(menu.frame), QByteArrayList());
     QVERIFY(menu.frame->findChild<CHttpTolvex *>());
     QVERIFY2(menu.stage.service.isDone(), menu.stage.service.report());
+}
+
+void tst_KavlorSettings::iconsAreReadOnce()
+{
+    const SmallPixmapCache cache(400);
+    constexpr int visits = 60;
+    for (int visit = 0; visit < visits; ++visit)
+        QVERIFY(!Menu().frame->grab().isNull());
+    QVERIFY(cache.isLeftToOthers());
 }
 
 void tst_KavlorSettings::fitsTheSmallestWindowAndGrows()

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 
 #include "navigationframe.h"
+#include "smallpixmapcache.h"
 #include "testcase.h"
 #include "testmain.h"
 
 #include <QLabel>
-#include <QPixmapCache>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTableView>
@@ -133,18 +133,11 @@ void tst_NavigationFrame::theStripLeavesThePixmapCacheToOthers()
     NavigationFrame bar(nullptr, false, true);
     bar.show();
     QVERIFY(QTest::qWaitForWindowExposed(&bar));
-    const int limit = QPixmapCache::cacheLimit();
-    QPixmapCache::clear();
-    QPixmapCache::setCacheLimit(100); // KiB
-    const QString key = QStringLiteral("a thumbnail");
-    QPixmapCache::insert(key, QPixmap(8, 8));
+    const SmallPixmapCache cache;
     constexpr int steps = 200;
     for (int step = 0; step < steps; ++step)
         child<QTableView>(bar, "progressBar")->viewport()->repaint();
-    QPixmap found;
-    const bool isThere = QPixmapCache::find(key, &found);
-    QPixmapCache::setCacheLimit(limit);
-    QVERIFY(isThere);
+    QVERIFY(cache.isLeftToOthers());
 }
 
 void tst_NavigationFrame::theStripIsJustLargeEnough()
