@@ -72,6 +72,8 @@ private slots:
     void pricesOutsideTheRangeAreBroughtIntoIt();
     void thumbnailKeepsItsShape_data();
     void thumbnailKeepsItsShape();
+    void thumbnailGrowsWithTheWindow_data();
+    void thumbnailGrowsWithTheWindow();
     void thumbnailIsScaledFast();
     void withoutThumbnailTheTextStays();
     void aFinishedAuctionIsRefusedAtOnce();
@@ -222,6 +224,24 @@ void tst_KavlorModifyAuction::thumbnailKeepsItsShape()
     QCOMPARE(picture.size(), shown);
     QCOMPARE(picture.toImage().pixelColor(shown.width() / 2, shown.height() / 2),
              QColor(Qt::green));
+}
+
+void tst_KavlorModifyAuction::thumbnailGrowsWithTheWindow_data()
+{
+    QTest::addColumn<QSize>("window");
+    QTest::addColumn<int>("side");
+    QTest::newRow("handheld") << QSize(800, 424) << 176;
+    QTest::newRow("desktop") << QSize(1640, 930) << 363;
+    QTest::newRow("all of a large screen") << QSize(1920, 1080) << 426;
+}
+
+void tst_KavlorModifyAuction::thumbnailGrowsWithTheWindow()
+{
+    QFETCH(QSize, window);
+    QFETCH(int, side);
+    open();
+    m_area.resize(window);
+    QTRY_COMPARE(label("photoThumb")->size(), QSize(side, side));
 }
 
 // Its edges stay sharp.

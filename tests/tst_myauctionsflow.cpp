@@ -8,6 +8,9 @@
 #include "testcase.h"
 #include "testmain.h"
 
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QPixmapCache>
 #include <QPushButton>
@@ -25,6 +28,7 @@ private slots:
     void refusedPricesAreCorrected();
     void theBarOfTheList();
     void backLeavesTheList();
+    void backSavesNothing();
     void backLeavesThePriceFrame();
     void cancelOfTheBarLeavesThePriceFrameFirst();
     void backInMidFetch_data();
@@ -145,6 +149,22 @@ void tst_MyAuctionsFlow::backLeavesTheList()
     QVERIFY(openList(auctionReply(3)));
     QVERIFY(m_window->click("backNavigationButton"));
     QTRY_VERIFY(isHome());
+}
+
+// Who was let in before comes home with the record that is saved already.
+void tst_MyAuctionsFlow::backSavesNothing()
+{
+    m_window->settings.sync();
+    QFile file(m_window->settings.fileName());
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    const QDateTime longAgo(QDate(2001, 2, 3), QTime(4, 5), Qt::UTC);
+    QVERIFY(file.setFileTime(longAgo, QFileDevice::FileModificationTime));
+    file.close();
+    QVERIFY(openList(auctionReply(1)));
+    QVERIFY(m_window->click("backNavigationButton"));
+    QTRY_VERIFY(isHome());
+    m_window->settings.sync();
+    QCOMPARE(QFileInfo(file.fileName()).lastModified(), longAgo);
 }
 
 void tst_MyAuctionsFlow::backLeavesThePriceFrame()
