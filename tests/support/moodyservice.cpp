@@ -222,6 +222,14 @@ QList<QByteArray> MoodyService::operations()
     return goodBodies().keys();
 }
 
+QList<QByteArray> MoodyService::auctions()
+{
+    QList<QByteArray> numbers = goodBodies().value("GetMyAuctions").trimmed().split('\n').mid(1);
+    for (QByteArray &row : numbers)
+        row.truncate(row.indexOf(','));
+    return numbers;
+}
+
 void MoodyService::setName(const QString &name) const
 {
     setServiceHost(QStringLiteral("%1:%2").arg(name).arg(m_port));

@@ -40,6 +40,8 @@ public:
     static const QList<Fault> &faults();
     /** The operations that it knows, in the order of their names. */
     static QList<QByteArray> operations();
+    /** The numbers of the auctions in its list. */
+    static QList<QByteArray> auctions();
 
     /** serviceHost() is @p name from now on, which leads to this machine. */
     void setName(const QString &name) const;

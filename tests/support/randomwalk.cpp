@@ -265,7 +265,10 @@ QString RandomWalk::run()
     testTimeConstants().uploadTimeout = never;
     testTimeConstants().connectionWait = 4 * shortTime;
     testTimeConstants().stateAnswerWait = shortTime;
-    QPixmapCache::clear();
+    // A new process has no thumbnails. The cache is not emptied for them: the toolkit keeps the names
+    // of whatever was in it.
+    for (const QByteArray &id : MoodyService::auctions())
+        QPixmapCache::remove(QStringLiteral("auctionid::") + QString::fromLatin1(id));
     const int filesBefore = temporaryFileCount();
 
     qApp->installEventFilter(this);
