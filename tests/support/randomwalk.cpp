@@ -24,6 +24,7 @@
 #include <QPlainTextEdit>
 #include <QPointer>
 #include <QPointingDevice>
+#include <QScreen>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTableView>
@@ -637,7 +638,13 @@ void RandomWalk::drag()
     if (areas.isEmpty())
         return;
     const QPointer<QWidget> target = qobject_cast<QAbstractScrollArea *>(one(areas))->viewport();
-    QPoint point(number(target->width()), number(target->height()));
+    // Where a finger can be: the window may reach beyond the screen.
+    const QRect reachable = QRect(target->mapToGlobal(QPoint()), target->size())
+        & target->screen()->geometry();
+    if (reachable.isEmpty())
+        return;
+    QPoint point = target->mapFromGlobal(reachable.topLeft())
+        + QPoint(number(reachable.width()), number(reachable.height()));
     const QPoint way(number(80) - 40, number(160) - 80);
     QTest::touchEvent(target, touchScreen()).press(0, point, target);
     constexpr int pieces = 4;
