@@ -61,9 +61,8 @@ void note(const char *what, const char *where)
     char line[PATH_MAX + 64];
     const int length =
         std::snprintf(line, sizeof(line), "%ld %s %s\n", placesPassed.load(), what, where);
-    const long file =
-        ::syscall(SYS_openat, AT_FDCWD, notes, O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC,
-                  S_IRUSR | S_IWUSR);
+    const long file = ::syscall(SYS_openat, AT_FDCWD, notes,
+                                O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, S_IRUSR | S_IWUSR);
     ::syscall(SYS_write, file, line, length);
     ::syscall(SYS_close, file);
 }

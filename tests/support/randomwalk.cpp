@@ -266,8 +266,8 @@ QString RandomWalk::run()
     testTimeConstants().uploadTimeout = never;
     testTimeConstants().connectionWait = 4 * shortTime;
     testTimeConstants().stateAnswerWait = shortTime;
-    // A new process has no thumbnails. The cache is not emptied for them: the toolkit keeps the names
-    // of whatever was in it.
+    // A new process has no thumbnails. The cache is not emptied for them: the toolkit keeps the
+    // names of whatever was in it.
     for (const QByteArray &id : MoodyService::auctions())
         QPixmapCache::remove(QStringLiteral("auctionid::") + QString::fromLatin1(id));
     const int filesBefore = temporaryFileCount();
@@ -639,8 +639,8 @@ void RandomWalk::drag()
         return;
     const QPointer<QWidget> target = qobject_cast<QAbstractScrollArea *>(one(areas))->viewport();
     // Where a finger can be: the window may reach beyond the screen.
-    const QRect reachable = QRect(target->mapToGlobal(QPoint()), target->size())
-        & target->screen()->geometry();
+    const QRect reachable =
+        QRect(target->mapToGlobal(QPoint()), target->size()) & target->screen()->geometry();
     if (reachable.isEmpty())
         return;
     QPoint point = target->mapFromGlobal(reachable.topLeft())
