@@ -149,9 +149,9 @@ void tst_Walks::measure()
     if (m_walks == earlyWalks - measuredWalks || m_walks == lateWalks - measuredWalks)
         QVERIFY(resetPeakMemory());
     if (m_walks == earlyWalks)
-        m_memoryEarly = peakMemory();
+        m_memoryEarly = ownMemory();
     if (m_walks == lateWalks)
-        m_memoryLate = peakMemory();
+        m_memoryLate = ownMemory();
 }
 
 QList<QByteArray> tst_Walks::missing() const

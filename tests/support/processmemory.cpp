@@ -4,6 +4,10 @@
 
 #include <QFile>
 
+// There only under the sanitizer.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name is the sanitizer's
+extern "C" [[gnu::weak]] size_t __sanitizer_get_current_allocated_bytes();
+
 namespace {
 
 qint64 peakMemoryIn(const QString &status)
@@ -21,6 +25,14 @@ qint64 peakMemoryIn(const QString &status)
 qint64 peakMemory()
 {
     return peakMemoryIn(QStringLiteral("/proc/self/status"));
+}
+
+qint64 ownMemory()
+{
+    constexpr qint64 kibibyte = 1024;
+    if (__sanitizer_get_current_allocated_bytes)
+        return qint64(__sanitizer_get_current_allocated_bytes()) / kibibyte;
+    return peakMemory();
 }
 
 qint64 peakMemoryOf(qint64 id)
