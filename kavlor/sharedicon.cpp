@@ -19,7 +19,7 @@ public:
         static QPointer<IconShelf> shelf;
         if (!shelf)
             shelf = new IconShelf(QCoreApplication::instance());
-        return shelf;
+        return shelf.data();
     }
     QIcon icon(const QString &path)
     {
